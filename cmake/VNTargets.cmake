@@ -1,0 +1,67 @@
+# Each area of the library is an OBJECT library named vn_<area>; vn_add_library() gathers them
+# into the installed static and shared libraries.
+
+set(VN_WARNINGS -Wall -Wextra -Werror)
+
+# vn_add_area(<area> SOURCES <files...> [DEPENDS <areas...>] [LIBRARIES <third-party targets...>])
+function(vn_add_area area)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
+  set(target vn_${area})
+  add_library(${target} OBJECT ${ARG_SOURCES})
+  target_include_directories(${target}
+    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_compile_options(${target} PRIVATE ${VN_WARNINGS})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  foreach(dep IN LISTS ARG_DEPENDS)
+    target_link_libraries(${target} PUBLIC vn_${dep})
+  endforeach()
+  target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES} Threads::Threads)
+  set_property(GLOBAL APPEND PROPERTY VN_AREA_TARGETS ${target})
+  set_property(GLOBAL APPEND PROPERTY VN_AREA_LIBRARIES ${ARG_LIBRARIES})
+endfunction()
+
+function(vn_add_library)
+  get_property(areas GLOBAL PROPERTY VN_AREA_TARGETS)
+  get_property(libraries GLOBAL PROPERTY VN_AREA_LIBRARIES)
+  list(REMOVE_DUPLICATES libraries)
+  set(objects "")
+  foreach(area IN LISTS areas)
+    list(APPEND objects $<TARGET_OBJECTS:${area}>)
+  endforeach()
+
+  add_library(vnfoundation STATIC ${objects})
+  add_library(vnfoundation_shared SHARED ${objects})
+  set_target_properties(vnfoundation_shared PROPERTIES
+    OUTPUT_NAME vnfoundation
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  foreach(target vnfoundation vnfoundation_shared)
+    target_include_directories(${target} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_link_libraries(${target} PRIVATE ${libraries} Threads::Threads)
+  endforeach()
+  add_library(VNFoundation::VNFoundation ALIAS vnfoundation)
+  add_library(VNFoundation::vnfoundation_shared ALIAS vnfoundation_shared)
+endfunction()
+
+# vn_add_test(<name> SOURCES <files...>): one GoogleTest program registered with CTest.
+function(vn_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_compile_options(${name} PRIVATE ${VN_WARNINGS})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE vnfoundation vn_testing GTest::gtest GTest::gmock ${ARG_LIBRARIES} Threads::Threads)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# vn_add_benchmark(<name> SOURCES <files...>)
+function(vn_add_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_compile_options(${name} PRIVATE ${VN_WARNINGS})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE vnfoundation benchmark::benchmark ${ARG_LIBRARIES} Threads::Threads)
+endfunction()
