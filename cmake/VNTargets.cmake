@@ -47,14 +47,19 @@ function(vn_add_library)
   add_library(VNFoundation::vnfoundation_shared ALIAS vnfoundation_shared)
 endfunction()
 
-# vn_add_test(<name> SOURCES <files...>): one GoogleTest program registered with CTest.
+# vn_add_test(<name> SOURCES <files...> [LABELS <labels...>] [LIBRARIES <targets...>]):
+# one GoogleTest program whose tests are registered with CTest one by one.
 function(vn_add_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_compile_options(${name} PRIVATE ${VN_WARNINGS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PRIVATE vnfoundation vn_testing GTest::gtest GTest::gmock ${ARG_LIBRARIES} Threads::Threads)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  set(properties TIMEOUT 300)
+  if(ARG_LABELS)
+    list(APPEND properties LABELS "${ARG_LABELS}")
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
 
 # vn_add_benchmark(<name> SOURCES <files...>)
