@@ -52,6 +52,8 @@ endfunction()
 function(vn_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  # Exported symbols let call-stack symbols name the functions of the program itself.
+  set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   target_compile_options(${name} PRIVATE ${VN_WARNINGS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PRIVATE vnfoundation vn_testing GTest::gtest GTest::gmock ${ARG_LIBRARIES} Threads::Threads)

@@ -158,6 +158,8 @@ void Value::describe(std::string& out, int indent) const {
     const auto describeElement = [&](const Value& element) {
         if (const std::string* text = element.string()) {
             appendQuotedIfNeeded(out, *text);
+        } else if (element.isNull()) {
+            appendQuotedIfNeeded(out, "<null>");
         } else {
             element.describe(out, indent + 4);
         }

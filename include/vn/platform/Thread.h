@@ -24,6 +24,7 @@ public:
 
     // The calling thread's stack, innermost frame first, one demangled text per frame
     // ("<index> <image> <function> + <offset>"). This function's own frame is not included.
+    // Functions of an executable are named only when it exports its symbols (-rdynamic).
     static std::vector<std::string> callStackSymbols();
 };
 
