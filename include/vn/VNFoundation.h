@@ -1,0 +1,20 @@
+// VNFoundation: every public header of the library.
+#pragma once
+
+#include "vn/platform/Bundle.h"
+#include "vn/platform/Date.h"
+#include "vn/platform/Decimal.h"
+#include "vn/platform/Error.h"
+#include "vn/platform/Exception.h"
+#include "vn/platform/ExecutionEnvironment.h"
+#include "vn/platform/Executor.h"
+#include "vn/platform/FatalError.h"
+#include "vn/platform/FileSystem.h"
+#include "vn/platform/Locale.h"
+#include "vn/platform/LocationCoordinate2D.h"
+#include "vn/platform/NotificationCenter.h"
+#include "vn/platform/Number.h"
+#include "vn/platform/Object.h"
+#include "vn/platform/Thread.h"
+#include "vn/platform/UserDefaults.h"
+#include "vn/platform/Value.h"

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs the built library into a temporary prefix, checks that its headers include nothing
+# but our own and the standard library's, then builds and runs a consumer program against it
+# with find_package(VNFoundation), shared and static, and with pkg-config.
+#   consumer_test.sh <build dir> <consumer source dir>
+set -euo pipefail
+build_dir="$1"
+consumer_dir="$2"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+prefix="$work/prefix"
+
+cmake --install "$build_dir" --prefix "$prefix" >/dev/null
+
+# Public headers may include our own headers ("vn/...") and standard headers (<name>) only.
+foreign=$(grep -rhoE '#include\s*[<"][^>"]+[>"]' "$prefix/include/vn" | sed -E 's/#include\s*//' |
+  grep -vE '^"vn/' | grep -vE '^<[a-z_0-9]+>$' || true)
+if [ -n "$foreign" ]; then
+  echo "installed headers include foreign headers:"; echo "$foreign"; exit 1
+fi
+
+for linkage in shared static; do
+  use_static=OFF
+  [ "$linkage" = static ] && use_static=ON
+  cmake -S "$consumer_dir" -B "$work/cmake-$linkage" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DVNFoundation_USE_STATIC_LIBS="$use_static" >/dev/null
+  cmake --build "$work/cmake-$linkage" >/dev/null
+  LD_LIBRARY_PATH="$prefix/lib" "$work/cmake-$linkage/consumer"
+done
+
+export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
+c++ -std=c++20 "$consumer_dir/main.cpp" -o "$work/pkg-consumer" $(pkg-config --cflags --libs vnfoundation) \
+  -Wl,-rpath,"$prefix/lib"
+"$work/pkg-consumer"
+echo "consumer built and ran with find_package (shared and static) and with pkg-config"
