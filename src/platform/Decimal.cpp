@@ -168,7 +168,10 @@ std::string Decimal::description() const {
 
 double Decimal::doubleValue() const {
     if (nan_) return std::numeric_limits<double>::quiet_NaN();
-    const std::string text = (negative_ ? "-" : "") + mantissaDigits(mantissa_) + "e" + std::to_string(exponent_);
+    std::string text = negative_ ? "-" : "";
+    text.append(mantissaDigits(mantissa_));
+    text.push_back('e');
+    text.append(std::to_string(exponent_));
     return std::strtod(text.c_str(), nullptr);
 }
 

@@ -57,14 +57,24 @@ Value::Dictionary& Thread::threadDictionary() {
     return dictionary;
 }
 
-std::vector<std::string> Thread::callStackSymbols() {
+[[gnu::noinline]] std::vector<std::string> Thread::callStackSymbols() {
     constexpr int kMaxFrames = 128;
     void* addresses[kMaxFrames];
     const int count = backtrace(addresses, kMaxFrames);
     std::unique_ptr<char*, void (*)(void*)> symbols(backtrace_symbols(addresses, count), std::free);
     std::vector<std::string> frames;
     if (!symbols) return frames;
-    for (int i = 1; i < count; ++i) {
+    // The caller's frame is the one returning to our return address. Sanitizers that intercept
+    // backtrace() add frames of their own before it, so it is searched for, not assumed at 1.
+    int first = 1;
+    const void* returnAddress = __builtin_return_address(0);
+    for (int i = 0; i < count; ++i) {
+        if (addresses[i] == returnAddress) {
+            first = i;
+            break;
+        }
+    }
+    for (int i = first; i < count; ++i) {
         frames.push_back(readableFrame(frames.size(), symbols.get()[i]));
     }
     return frames;

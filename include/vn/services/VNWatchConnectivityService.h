@@ -1,0 +1,15 @@
+// VNWatchConnectivityService: the host's service for the connection to a paired watch application.
+//
+// Its members belong to the host and to the layers above this library; the library only keeps
+// the registered instance in VNFoundationServices and hands it to whoever asks. A host
+// implementation derives from this class and adds what its callers need.
+#pragma once
+
+namespace vn {
+
+class VNWatchConnectivityService {
+  public:
+    virtual ~VNWatchConnectivityService() = default;
+};
+
+}  // namespace vn

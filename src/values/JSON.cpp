@@ -1,0 +1,418 @@
+#include "vn/values/JSON.h"
+
+#include <yajl/yajl_gen.h>
+#include <yajl/yajl_parse.h>
+
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "vn/platform/FatalError.h"
+#include "vn/platform/Scanner.h"
+
+namespace vn {
+namespace {
+
+// ---- Reading
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kNotInCorrectFormat =
+    "The data couldn’t be read because it isn’t in the correct format.";
+
+std::string_view kindName(Value::Kind kind) {
+    switch (kind) {
+        case Value::Kind::nil:
+            return "nil";
+        case Value::Kind::null:
+            return "null";
+        case Value::Kind::number:
+            return "number";
+        case Value::Kind::string:
+            return "string";
+        case Value::Kind::data:
+            return "data";
+        case Value::Kind::date:
+            return "date";
+        case Value::Kind::array:
+            return "array";
+        case Value::Kind::dictionary:
+            return "dictionary";
+        case Value::Kind::object:
+            return "object";
+    }
+    return "value";
+}
+
+// A JSON number, already checked by the parser's grammar: integers stay exact as long as a
+// 64-bit integer holds them, everything else reads as the nearest double.
+Value numberFromJSON(std::string_view text) {
+    const char* first = text.data();
+    const char* last = first + text.size();
+    if (text.find_first_of(".eE") == std::string_view::npos) {
+        std::int64_t integer = 0;
+        if (std::from_chars(first, last, integer).ec == std::errc())
+            return Number::fromInteger(integer);
+        std::uint64_t unsignedInteger = 0;
+        if (text.front() != '-' &&
+            std::from_chars(first, last, unsignedInteger).ec == std::errc()) {
+            return Number::fromUnsigned(unsignedInteger);
+        }
+    }
+    // The scanner reads exactly like strtod, out-of-range values included (±inf, ±0).
+    Scanner scanner(text);
+    return Number::fromDouble(scanner.scanDouble().value_or(0.0));
+}
+
+// Builds the Value while the parser reports the document's elements.
+class ValueBuilder {
+  public:
+    Value& root() { return root_; }
+    bool hasRoot() const { return hasRoot_; }
+    const std::string& failure() const { return failure_; }
+
+    bool add(Value value) {
+        if (frames_.empty()) {
+            root_ = std::move(value);
+            hasRoot_ = true;
+        } else if (Frame& top = frames_.back(); top.isDictionary) {
+            top.dictionary.insert_or_assign(std::move(top.key), std::move(value));
+        } else {
+            top.array.push_back(std::move(value));
+        }
+        return true;
+    }
+
+    bool open(bool isDictionary) {
+        if (frames_.size() >= kJSONMaximumDepth) {
+            failure_ = "JSON nested deeper than " + std::to_string(kJSONMaximumDepth) + " levels";
+            return false;
+        }
+        frames_.emplace_back();
+        frames_.back().isDictionary = isDictionary;
+        return true;
+    }
+
+    bool key(std::string key) {
+        frames_.back().key = std::move(key);
+        return true;
+    }
+
+    bool close() {
+        Frame frame = std::move(frames_.back());
+        frames_.pop_back();
+        return frame.isDictionary ? add(Value(std::move(frame.dictionary)))
+                                  : add(Value(std::move(frame.array)));
+    }
+
+  private:
+    struct Frame {
+        bool isDictionary = false;
+        Value::Array array;
+        Value::Dictionary dictionary;
+        std::string key;
+    };
+
+    std::vector<Frame> frames_;
+    Value root_;
+    bool hasRoot_ = false;
+    std::string failure_;
+};
+
+ValueBuilder& builderOf(void* context) {
+    return *static_cast<ValueBuilder*>(context);
+}
+
+std::string textOf(const unsigned char* text, std::size_t length) {
+    return std::string(reinterpret_cast<const char*>(text), length);
+}
+
+const yajl_callbacks kBuilderCallbacks = {
+    [](void* context) { return int(builderOf(context).add(Value::null())); },
+    [](void* context, int boolean) {
+        return int(builderOf(context).add(Number::fromBool(boolean != 0)));
+    },
+    nullptr,
+    nullptr,
+    [](void* context, const char* number, std::size_t length) {
+        return int(builderOf(context).add(numberFromJSON(std::string_view(number, length))));
+    },
+    [](void* context, const unsigned char* text, std::size_t length) {
+        return int(builderOf(context).add(Value(textOf(text, length))));
+    },
+    [](void* context) { return int(builderOf(context).open(true)); },
+    [](void* context, const unsigned char* key, std::size_t length) {
+        return int(builderOf(context).key(textOf(key, length)));
+    },
+    [](void* context) { return int(builderOf(context).close()); },
+    [](void* context) { return int(builderOf(context).open(false)); },
+    [](void* context) { return int(builderOf(context).close()); },
+};
+
+struct ParserDeleter {
+    void operator()(yajl_handle handle) const { yajl_free(handle); }
+};
+
+std::string parserMessage(yajl_handle handle, std::string_view text) {
+    unsigned char* message =
+        yajl_get_error(handle, 0, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+    std::string result = message ? reinterpret_cast<const char*>(message) : "invalid JSON";
+    if (message) yajl_free_error(handle, message);
+    while (!result.empty() && (result.back() == '\n' || result.back() == ' ')) result.pop_back();
+    return result;
+}
+
+ErrorPtr notJSONError(std::string detail) {
+    return Error::make(NSCocoaErrorDomain, kJSONReadCorruptErrorCode,
+                       Value::Dictionary{{std::string(NSLocalizedDescriptionKey),
+                                          std::string(kNotInCorrectFormat)},
+                                         {std::string(kJSONErrorDetailKey), std::move(detail)}});
+}
+
+ErrorPtr wrongKindError(Value::Kind expected, Value::Kind found) {
+    std::string detail = "Expected a JSON value of kind " + std::string(kindName(expected)) +
+                         ", found kind " + std::string(kindName(found)) + ".";
+    return Error::make(VNErrorDomain, 0,
+                       Value::Dictionary{{std::string(VNErrUserInfoKey), VNErrCodeInvalidParameter},
+                                         {std::string(kJSONErrorDetailKey), std::move(detail)}});
+}
+
+// Parses the text; on failure answers the error's detail instead.
+std::optional<Value> parse(std::string_view text, std::string& failure) {
+    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+        text.remove_prefix(kByteOrderMark.size());
+    ValueBuilder builder;
+    const std::unique_ptr<yajl_handle_t, ParserDeleter> parser(
+        yajl_alloc(&kBuilderCallbacks, nullptr, &builder));
+    yajl_status status =
+        yajl_parse(parser.get(), reinterpret_cast<const unsigned char*>(text.data()), text.size());
+    if (status == yajl_status_ok) status = yajl_complete_parse(parser.get());
+    if (status == yajl_status_client_canceled) {
+        failure = builder.failure();
+        return std::nullopt;
+    }
+    if (status != yajl_status_ok) {
+        failure = parserMessage(parser.get(), text);
+        return std::nullopt;
+    }
+    if (!builder.hasRoot()) {
+        failure = "No JSON value in the text";
+        return std::nullopt;
+    }
+    return std::move(builder.root());
+}
+
+// ---- Writing
+
+constexpr std::size_t kGeneratorDepthLimit = YAJL_MAX_DEPTH - 1;
+
+// The length of the well-formed UTF-8 sequence at text[i], or 0 when it is not one (a stray
+// continuation byte, a truncated or overlong sequence, a surrogate, a code point beyond U+10FFFF).
+std::size_t sequenceLength(std::string_view text, std::size_t i) {
+    const auto lead = static_cast<unsigned char>(text[i]);
+    if (lead < 0x80) return 1;
+    const std::size_t length = (lead & 0xE0) == 0xC0   ? 2
+                               : (lead & 0xF0) == 0xE0 ? 3
+                               : (lead & 0xF8) == 0xF0 ? 4
+                                                       : 0;
+    if (length == 0 || i + length > text.size()) return 0;
+    char32_t codePoint = lead & (0x7F >> length);
+    for (std::size_t k = 1; k < length; ++k) {
+        const auto continuation = static_cast<unsigned char>(text[i + k]);
+        if ((continuation & 0xC0) != 0x80) return 0;
+        codePoint = (codePoint << 6) | (continuation & 0x3F);
+    }
+    static constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
+    if (codePoint < kSmallest[length] || codePoint > 0x10FFFF || surrogate) return 0;
+    return length;
+}
+
+bool isValidUTF8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = sequenceLength(text, i);
+        if (length == 0) return false;
+        i += length;
+    }
+    return true;
+}
+
+// The text with every byte that is not part of a well-formed sequence replaced by U+FFFD.
+std::string validUTF8(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + 8);
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = sequenceLength(text, i);
+        if (length == 0) {
+            result += "\xEF\xBF\xBD";
+            ++i;
+        } else {
+            result.append(text.substr(i, length));
+            i += length;
+        }
+    }
+    return result;
+}
+
+class Generator {
+  public:
+    explicit Generator(JSONWritingStyle style) : generator_(yajl_gen_alloc(nullptr)) {
+        if (style == JSONWritingStyle::pretty) {
+            yajl_gen_config(generator_.get(), yajl_gen_beautify, 1);
+            yajl_gen_config(generator_.get(), yajl_gen_indent_string, "\t");
+        }
+    }
+
+    void write(const Value& value, std::size_t depth) {
+        switch (value.kind()) {
+            case Value::Kind::nil:
+            case Value::Kind::null:
+                check(yajl_gen_null(generator_.get()));
+                break;
+            case Value::Kind::number:
+                writeNumber(*value.number());
+                break;
+            case Value::Kind::string:
+                writeString(*value.string());
+                break;
+            case Value::Kind::data:
+            case Value::Kind::date:
+            case Value::Kind::object:
+                writeString(value.description());
+                break;
+            case Value::Kind::array:
+            case Value::Kind::dictionary:
+                writeContainer(value, depth);
+                break;
+        }
+    }
+
+    std::string text() const {
+        const unsigned char* buffer = nullptr;
+        std::size_t length = 0;
+        yajl_gen_get_buf(generator_.get(), &buffer, &length);
+        return std::string(reinterpret_cast<const char*>(buffer), length);
+    }
+
+  private:
+    struct GeneratorDeleter {
+        void operator()(yajl_gen generator) const { yajl_gen_free(generator); }
+    };
+
+    static void check(yajl_gen_status status) {
+        if (status != yajl_gen_status_ok)
+            fatalError("JSON generation failed with status " + std::to_string(status));
+    }
+
+    void writeContainer(const Value& value, std::size_t depth) {
+        if (depth >= kGeneratorDepthLimit) {
+            writeString(jsonString(value, JSONWritingStyle::compact));
+            return;
+        }
+        if (const Value::Array* elements = value.array()) {
+            check(yajl_gen_array_open(generator_.get()));
+            for (const Value& element : *elements) write(element, depth + 1);
+            check(yajl_gen_array_close(generator_.get()));
+            return;
+        }
+        check(yajl_gen_map_open(generator_.get()));
+        for (const auto& [key, element] : *value.dictionary()) {
+            writeString(key);
+            write(element, depth + 1);
+        }
+        check(yajl_gen_map_close(generator_.get()));
+    }
+
+    void writeString(std::string_view text) {
+        if (isValidUTF8(text)) {
+            check(yajl_gen_string(generator_.get(),
+                                  reinterpret_cast<const unsigned char*>(text.data()),
+                                  text.size()));
+            return;
+        }
+        const std::string valid = validUTF8(text);
+        check(yajl_gen_string(generator_.get(),
+                              reinterpret_cast<const unsigned char*>(valid.data()), valid.size()));
+    }
+
+    void writeNumberText(std::string_view text) {
+        check(yajl_gen_number(generator_.get(), text.data(), text.size()));
+    }
+
+    template <typename Scalar>
+    void writeShortest(Scalar value) {
+        if constexpr (std::is_floating_point_v<Scalar>) {
+            if (!std::isfinite(value)) {
+                check(yajl_gen_null(generator_.get()));
+                return;
+            }
+        }
+        char buffer[64];
+        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+        writeNumberText(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+    }
+
+    void writeNumber(const Number& number) {
+        switch (number.kind()) {
+            case Number::Kind::boolean:
+                check(yajl_gen_bool(generator_.get(), number.boolValue() ? 1 : 0));
+                break;
+            case Number::Kind::signedInteger:
+                writeShortest(number.integerValue());
+                break;
+            case Number::Kind::unsignedInteger:
+                writeShortest(number.unsignedIntegerValue());
+                break;
+            case Number::Kind::floatingPoint:
+                writeShortest(number.floatValue());
+                break;
+            case Number::Kind::doublePrecision:
+                writeShortest(number.doubleValue());
+                break;
+            case Number::Kind::decimal: {
+                const Decimal decimal = number.decimalValue();
+                if (decimal.isNaN()) {
+                    check(yajl_gen_null(generator_.get()));
+                } else {
+                    writeNumberText(decimal.description());
+                }
+                break;
+            }
+        }
+    }
+
+    std::unique_ptr<yajl_gen_t, GeneratorDeleter> generator_;
+};
+
+}  // namespace
+
+std::string jsonString(const Value& value, JSONWritingStyle style) {
+    Generator generator(style);
+    generator.write(value, 0);
+    return generator.text();
+}
+
+namespace VNUtilities {
+
+Value jsonObject(std::string_view text, std::optional<Value::Kind> ofClass, ErrorPtr* error) {
+    std::string failure;
+    std::optional<Value> value = parse(text, failure);
+    if (!value) {
+        if (error) *error = notJSONError(std::move(failure));
+        return {};
+    }
+    if (ofClass && value->kind() != *ofClass) {
+        if (error) *error = wrongKindError(*ofClass, value->kind());
+        return {};
+    }
+    if (error) *error = nullptr;
+    return std::move(*value);
+}
+
+Value jsonObject(const Data& data, std::optional<Value::Kind> ofClass, ErrorPtr* error) {
+    return jsonObject(std::string_view(reinterpret_cast<const char*>(data.data()), data.size()),
+                      ofClass, error);
+}
+
+}  // namespace VNUtilities
+}  // namespace vn
