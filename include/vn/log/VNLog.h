@@ -26,6 +26,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -36,6 +37,7 @@
 #include "vn/log/StringFormat.h"
 #include "vn/log/VNLogListener.h"
 #include "vn/platform/Object.h"
+#include "vn/platform/Value.h"
 #include "vn/services/VNLoggerService.h"
 
 namespace vn {
@@ -80,6 +82,16 @@ class VNLog final : public Object {
         if (!hasActiveSink()) return;
         writeMessage(stringWithFormat(format, arguments...), true);
     }
+
+    // Writes the pretty JSON (tab indentation) of the one-entry dictionary {title: object}, as
+    // logMessage does. The JSON text is built only when a sink will receive it.
+    static void logJSONObject(const Value& object, std::string_view title);
+
+    // Writes "JSON Parser: " followed by the element's standard textual form, when developer
+    // mode is on, or isTolvarApp AND "log_enabled_preference" AND "log_responses_preference".
+    // Otherwise nothing happens; the closure form does not even evaluate the element.
+    static void logJSONParserElementIfEnabled(const Value& element);
+    static void logJSONParserElementIfEnabled(const std::function<Value()>& element);
 
     // Closes and deletes the log file; the next message starts a new one.
     static void clearLog();
