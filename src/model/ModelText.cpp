@@ -1,0 +1,51 @@
+#include "model/ModelText.h"
+
+#include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+
+namespace vn::model {
+namespace {
+
+bool isASCII(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+char asciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+std::string asciiLowercased(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), asciiLower);
+    return result;
+}
+
+}  // namespace
+
+std::string lowercased(std::string_view text) {
+    if (isASCII(text)) return asciiLowercased(text);
+    std::string result;
+    icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())))
+        .toLower(icu::Locale::getRoot())
+        .toUTF8String(result);
+    return result;
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lowerCaseWord) {
+    if (isASCII(text)) {
+        return text.size() == lowerCaseWord.size() &&
+               std::equal(text.begin(), text.end(), lowerCaseWord.begin(),
+                          [](char a, char b) { return asciiLower(a) == b; });
+    }
+    std::string folded;
+    icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())))
+        .foldCase(U_FOLD_CASE_DEFAULT)
+        .toUTF8String(folded);
+    return folded == lowerCaseWord;
+}
+
+}  // namespace vn::model
