@@ -1,0 +1,182 @@
+#include "vn/formatting/DateFormatter.h"
+
+#include <unicode/datefmt.h>
+#include <unicode/smpdtfmt.h>
+
+#include "formatting/CalendarImpl.h"
+#include "formatting/IcuSupport.h"
+#include "formatting/TimeZoneImpl.h"
+#include "vn/platform/FatalError.h"
+
+namespace vn {
+namespace {
+
+using formatting::icuLocale;
+using formatting::toUnicode;
+using formatting::toUtf8;
+
+icu::DateFormat::EStyle icuStyle(DateFormatter::Style style) {
+    switch (style) {
+        case DateFormatter::Style::shortStyle:
+            return icu::DateFormat::kShort;
+        case DateFormatter::Style::mediumStyle:
+            return icu::DateFormat::kMedium;
+        case DateFormatter::Style::longStyle:
+            return icu::DateFormat::kLong;
+        case DateFormatter::Style::fullStyle:
+            return icu::DateFormat::kFull;
+        case DateFormatter::Style::noStyle:
+            break;
+    }
+    return icu::DateFormat::kNone;
+}
+
+std::string stylePattern(DateFormatter::Style date, DateFormatter::Style time,
+                         const std::string& localeId) {
+    if (date == DateFormatter::Style::noStyle && time == DateFormatter::Style::noStyle) return "";
+    std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
+        icuStyle(date), icuStyle(time), icuLocale(localeId)));
+    const auto* simple = dynamic_cast<const icu::SimpleDateFormat*>(format.get());
+    if (!simple) return "";
+    icu::UnicodeString pattern;
+    return toUtf8(simple->toPattern(pattern));
+}
+
+// Every call gets a fresh status: a failed UErrorCode makes later ICU calls do nothing.
+std::unique_ptr<icu::SimpleDateFormat> makeSimpleDateFormat(const std::string& pattern,
+                                                            const std::string& localeId) {
+    const icu::Locale locale = icuLocale(localeId);
+    UErrorCode status = U_ZERO_ERROR;
+    auto format = std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern), locale, status);
+    if (U_SUCCESS(status)) return format;
+    // A pattern ICU cannot read formats as the empty text, as an empty pattern does.
+    status = U_ZERO_ERROR;
+    format = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString(), locale, status);
+    if (U_FAILURE(status)) fatalError("DateFormatter: the ICU date data is not available");
+    return format;
+}
+
+}  // namespace
+
+struct DateFormatter::State {
+    std::string localeId;
+    Style dateStyle = Style::noStyle;
+    Style timeStyle = Style::noStyle;
+    std::optional<std::string> pattern;  // set explicitly; else the styles'
+    std::optional<Calendar> calendar;    // set explicitly; else the locale's
+    TimeZone timeZone = TimeZone::gmt();
+    mutable std::unique_ptr<icu::SimpleDateFormat> icu;  // built on first use after a change
+};
+
+DateFormatter::DateFormatter() : state_(std::make_unique<State>()) {
+    state_->localeId = Locale::current().identifier();
+    state_->timeZone = TimeZone::system();
+}
+
+DateFormatter::~DateFormatter() = default;
+
+void DateFormatter::invalidate() {
+    state_->icu.reset();
+}
+
+void DateFormatter::prepare() const {
+    State& s = *state_;
+    if (s.icu) return;
+    auto format = makeSimpleDateFormat(dateFormat(), s.localeId);
+    if (s.calendar) {
+        format->adoptCalendar(formatting::cloneIcuCalendar(*s.calendar));
+    } else {
+        std::unique_ptr<icu::Calendar> calendar(format->getCalendar()->clone());
+        formatting::makeProleptic(*calendar);
+        format->adoptCalendar(calendar.release());
+    }
+    format->adoptTimeZone(formatting::cloneIcuTimeZone(s.timeZone));
+    format->setLenient(false);
+    s.icu = std::move(format);
+}
+
+Locale DateFormatter::locale() const {
+    return Locale(state_->localeId);
+}
+
+void DateFormatter::setLocale(const Locale& locale) {
+    state_->localeId = locale.identifier();
+    invalidate();
+}
+
+DateFormatter::Style DateFormatter::dateStyle() const {
+    return state_->dateStyle;
+}
+
+void DateFormatter::setDateStyle(Style style) {
+    state_->dateStyle = style;
+    state_->pattern.reset();
+    invalidate();
+}
+
+DateFormatter::Style DateFormatter::timeStyle() const {
+    return state_->timeStyle;
+}
+
+void DateFormatter::setTimeStyle(Style style) {
+    state_->timeStyle = style;
+    state_->pattern.reset();
+    invalidate();
+}
+
+std::string DateFormatter::dateFormat() const {
+    if (state_->pattern) return *state_->pattern;
+    return stylePattern(state_->dateStyle, state_->timeStyle, state_->localeId);
+}
+
+void DateFormatter::setDateFormat(std::string_view pattern) {
+    state_->pattern = std::string(pattern);
+    invalidate();
+}
+
+Calendar DateFormatter::calendar() const {
+    if (state_->calendar) return *state_->calendar;
+    prepare();
+    return formatting::CalendarFactory::make(
+        std::unique_ptr<icu::Calendar>(state_->icu->getCalendar()->clone()));
+}
+
+void DateFormatter::setCalendar(const Calendar& calendar) {
+    state_->calendar = calendar;
+    invalidate();
+}
+
+TimeZone DateFormatter::timeZone() const {
+    return state_->timeZone;
+}
+
+void DateFormatter::setTimeZone(const TimeZone& zone) {
+    state_->timeZone = zone;
+    invalidate();
+}
+
+std::string DateFormatter::stringFromDate(const Date& date) const {
+    prepare();
+    icu::UnicodeString text;
+    state_->icu->format(formatting::icuDate(date), text);
+    return toUtf8(text);
+}
+
+std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
+    prepare();
+    const icu::UnicodeString input = toUnicode(text);
+    icu::ParsePosition position(0);
+    const UDate parsed = state_->icu->parse(input, position);
+    if (position.getErrorIndex() >= 0 || position.getIndex() == 0 ||
+        position.getIndex() != input.length()) {
+        return std::nullopt;
+    }
+    return formatting::dateFromIcu(parsed);
+}
+
+std::string DateFormatter::description() const {
+    return "<DateFormatter: locale " + state_->localeId + ", format \"" + dateFormat() +
+           "\", time zone " + state_->timeZone.identifier() + ">";
+}
+
+}  // namespace vn

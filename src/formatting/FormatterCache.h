@@ -1,0 +1,50 @@
+// The per-thread formatter caches: formatters live in the calling thread's dictionary under
+// string keys, and an observer registered once per process clears one family of keys from
+// the main thread's dictionary when the current locale changes.
+//
+// Keys are built in a reusable thread-local buffer and looked up without allocating, so a
+// cache hit costs one key build and one lookup.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "vn/concurrency/ThreadVNFoundation.h"
+
+namespace vn::formatting {
+
+// The calling thread's key buffer, emptied; valid until the next call on this thread.
+std::string& reusableKeyBuffer();
+
+// The cached object of type T under key in the calling thread's dictionary; on a miss (or
+// when the entry holds something else) build() makes one, which is stored and returned.
+// key may be the reusable buffer: build must therefore not request cached formatters itself.
+template <typename T, typename Builder>
+std::shared_ptr<T> threadCachedObject(std::string_view key, Builder&& build) {
+    return threadDictionaryCachedObject<std::shared_ptr<T>>(key, std::forward<Builder>(build));
+}
+
+// Removes every entry whose key begins with prefix from the calling thread's dictionary.
+void removeThreadCachedObjects(std::string_view prefix);
+
+// Called by every cached-formatter request: on the first one made on the main thread,
+// registers (once per process, per family) an observer of NSCurrentLocaleDidChangeNotification
+// delivered on the main queue, which removes the keys beginning with prefix from the
+// dictionary of the thread it runs on. prefix must outlive the process (a literal).
+class LocaleChangeCacheObserver {
+  public:
+    explicit constexpr LocaleChangeCacheObserver(std::string_view prefix) : prefix_(prefix) {}
+    void registerOnMainThreadOnce();
+    bool isRegistered() const { return registered_.load(std::memory_order_acquire); }
+
+  private:
+    std::string_view prefix_;
+    std::once_flag once_;
+    std::atomic<bool> registered_{false};
+};
+
+}  // namespace vn::formatting

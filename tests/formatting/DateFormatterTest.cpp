@@ -1,0 +1,131 @@
+// Date formatters: styles and patterns, proleptic years, strict reading, and the model's
+// cached formatters with their keys and tables.
+#include "vn/formatting/DateFormatter.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "vn/formatting/DateVN.h"
+#include "vn/platform/Thread.h"
+
+namespace vn {
+namespace {
+
+// 2020-03-01T10:20:30.250 GMT
+const Date kInstant = Date::fromTimeIntervalSince1970(1583058030.25);
+
+TEST(DateFormatter, PatternsFormatAndReadBackInTheirZone) {
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    formatter.setTimeZone(*TimeZone::named("America/Montevideo"));
+    formatter.setDateFormat("yyyy-MM-dd HH:mm:ss.SSS");
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "2020-03-01 07:20:30.250");
+    EXPECT_EQ(formatter.dateFromString("2020-03-01 07:20:30.250"), kInstant);
+    EXPECT_EQ(formatter.dateFromString("2020-03-01 07:20:30.250 trailing"), std::nullopt);
+    EXPECT_EQ(formatter.dateFromString("2020-02-30 07:20:30.000"), std::nullopt);  // not lenient
+    EXPECT_EQ(formatter.dateFromString(""), std::nullopt);
+}
+
+TEST(DateFormatter, YearOneFormatsAndReadsBackAsTheEmptyDate) {
+    const auto json =
+        DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat("yyyy-MM-dd");
+    EXPECT_EQ(json->stringFromDate(DateVN::vnEmptyDate()), "0001-01-01");
+    EXPECT_EQ(json->dateFromString("0001-01-01"), DateVN::vnEmptyDate());
+    EXPECT_EQ(json->dateFromString("1582-10-10"),
+              DateVN::vnEmptyDate().addingTimeInterval(577730 * 86400.0));
+}
+
+TEST(DateFormatter, StylesMakeTheLocalesPatternUntilAPatternIsSet) {
+    DateFormatter formatter;
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "");  // no style, no pattern
+    formatter.setLocale(Locale("en_US"));
+    formatter.setTimeZone(TimeZone::gmt());
+    formatter.setDateStyle(DateFormatter::Style::shortStyle);
+    EXPECT_EQ(formatter.dateFormat(), "M/d/yy");
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "3/1/20");
+    formatter.setLocale(Locale("de_DE"));
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "01.03.20");
+    formatter.setDateFormat("dd/MM/yyyy");
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "01/03/2020");
+    formatter.setTimeStyle(DateFormatter::Style::shortStyle);
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "01.03.20, 10:20");
+}
+
+TEST(DateFormatter, CachedStyleFormattersAreGmtWithOptionalMilliseconds) {
+    TimeZone::setSystemTimeZone(*TimeZone::named("Asia/Tokyo"));
+    const auto formatter = DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
+        DateFormatter::Style::shortStyle, DateFormatter::Style::mediumStyle, true, "de_DE", false);
+    EXPECT_EQ(formatter->dateFormat(), "dd.MM.yy, HH:mm:ss.SSS");
+    EXPECT_EQ(formatter->stringFromDate(kInstant), "01.03.20, 10:20:30.250");
+    EXPECT_EQ(formatter->timeZone(), TimeZone::gmt());
+    EXPECT_EQ(formatter->calendar().identifier(), "gregorian");
+    EXPECT_EQ(formatter->dateFromString("01.03.20, 10:20:30.250"), kInstant);
+
+    const auto current = DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
+        DateFormatter::Style::mediumStyle, DateFormatter::Style::noStyle, false, std::nullopt,
+        true);
+    EXPECT_EQ(current->timeZone(), TimeZone::gmt());
+    TimeZone::resetSystemTimeZone();
+
+    const Value::Dictionary& cache = Thread::threadDictionary();
+    EXPECT_EQ(
+        cache.at("VNNSDateFormatterDateStyle1TimeStyle2de_DELocaleIdMS").objectAs<DateFormatter>(),
+        formatter);
+    EXPECT_EQ(cache.at("VNNSDateFormatterDateStyle2TimeStyle0CC").objectAs<DateFormatter>(),
+              current);
+    EXPECT_EQ(DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
+                  DateFormatter::Style::shortStyle, DateFormatter::Style::mediumStyle, true,
+                  "de_DE", false),
+              formatter);
+}
+
+TEST(DateFormatter, PosixFormattersAreCachedPerThreadAndPattern) {
+    const auto here =
+        DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat("yyyy/MM/dd");
+    EXPECT_EQ(Thread::threadDictionary()
+                  .at("VNNSDateFormatterWithFormatyyyy/MM/dd")
+                  .objectAs<DateFormatter>(),
+              here);
+    EXPECT_EQ(here->locale().identifier(), "en_US_POSIX");
+    DateFormatterPtr there;
+    std::thread([&] {
+        there = DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+            "yyyy/MM/dd");
+    }).join();
+    EXPECT_NE(here, there);
+    EXPECT_EQ(there->stringFromDate(kInstant), "2020/03/01");
+}
+
+TEST(DateFormatter, ShortModelFormatsAndStyleMappings) {
+    const std::pair<const char*, const char*> formats[] = {
+        {"ANSI", "yyyy/MM/dd"}, {"YMD", "yy/MM/dd"},    {"MDY", "MM/dd/yy"},    {"DMY", "dd/MM/yy"},
+        {"MDY4", "MM/dd/yyyy"}, {"DMY4", "dd/MM/yyyy"}, {"Y4MD", "yyyy/MM/dd"},
+    };
+    for (const auto& [name, pattern] : formats)
+        EXPECT_EQ(DateFormatter::vnDateFormatForShortVNFormat(name), pattern);
+    for (const char* unknown : {"ansi", "", "DMY2", "YDM"}) {
+        EXPECT_EQ(DateFormatter::vnDateFormatForShortVNFormat(unknown), std::nullopt) << unknown;
+    }
+
+    using Style = DateFormatter::Style;
+    EXPECT_EQ(DateFormatter::dateFormatterStyleFromVNDataDateFormat(VNDataDateFormatNone),
+              Style::noStyle);
+    EXPECT_EQ(DateFormatter::dateFormatterStyleFromVNDataDateFormat(VNDataDateFormatShort),
+              Style::shortStyle);
+    EXPECT_EQ(DateFormatter::dateFormatterStyleFromVNDataDateFormat(VNDataDateFormatFull),
+              Style::fullStyle);
+    EXPECT_EQ(
+        DateFormatter::dateFormatterStyleFromVNDataDateFormat(static_cast<VNDataDateFormat>(9)),
+        Style::shortStyle);
+    EXPECT_EQ(DateFormatter::dateFormatterStyleFromVNDataTimeFormat(VNDataTimeFormatMedium),
+              Style::mediumStyle);
+    EXPECT_EQ(DateFormatter::dateFormatterStyleFromVNDataTimeFormat(VNDataTimeFormatLong),
+              Style::longStyle);
+    EXPECT_EQ(
+        DateFormatter::dateFormatterStyleFromVNDataTimeFormat(static_cast<VNDataTimeFormat>(200)),
+        Style::shortStyle);
+}
+
+}  // namespace
+}  // namespace vn
