@@ -56,9 +56,8 @@ public:
     // logically immutable: the library never mutates an object through a Value.
     template <typename T>
         requires std::is_base_of_v<Object, T>
-    Value(std::shared_ptr<T> object) {  // NOLINT(google-explicit-constructor)
-        if (object) storage_ = std::const_pointer_cast<Object>(std::shared_ptr<const Object>(std::move(object)));
-    }
+    Value(std::shared_ptr<T> object)  // NOLINT(google-explicit-constructor)
+        : storage_(objectStorage(std::shared_ptr<const Object>(std::move(object)))) {}
 
     Kind kind() const { return static_cast<Kind>(storage_.index()); }
     bool isNil() const { return kind() == Kind::nil; }
@@ -109,6 +108,10 @@ private:
                                  std::shared_ptr<const Data>, Date, std::shared_ptr<const Array>,
                                  std::shared_ptr<const Dictionary>, ObjectPtr>;
 
+    static Storage objectStorage(std::shared_ptr<const Object> object) {
+        if (!object) return Storage();
+        return Storage(std::const_pointer_cast<Object>(std::move(object)));
+    }
     void describe(std::string& out, int indent) const;
 
     Storage storage_;
