@@ -5,13 +5,12 @@
 // subclasses refine, and a table of associated objects that lives and dies with it.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
+#include <typeinfo>
 
 namespace vn {
 
@@ -38,8 +37,12 @@ public:
     std::shared_ptr<Object> associatedObject(const void* key) const;
 
 private:
-    mutable std::mutex associatedMutex_;
-    std::vector<std::pair<const void*, std::shared_ptr<Object>>> associated_;
+    struct AssociatedObjects;
+    // Created on the first association: most objects never have one, and an object should
+    // cost no more than its own fields.
+    AssociatedObjects& associatedObjects() const;
+
+    mutable std::atomic<AssociatedObjects*> associated_{nullptr};
 };
 
 using ObjectPtr = std::shared_ptr<Object>;
