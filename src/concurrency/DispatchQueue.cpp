@@ -113,29 +113,27 @@ std::size_t laneOfPriority(long priority) {
     return 1;  // unknown priorities select the default queue
 }
 
-// The global queues share the worker pool. Each submission queues the block in its priority's
-// lane and posts one "run the most urgent block" handler to the pool, so every block gets a
-// handler and a free worker always takes the highest-priority block waiting.
-class GlobalLanes {
-  public:
-    void submit(std::size_t lane, std::function<void()> work) {
-        {
-            std::lock_guard lock(mutex_);
-            lanes_[lane].push_back(std::move(work));
+// Each priority has its own pool, as the platform gives each quality of service threads of
+// its own: high-priority work never waits behind a backlog of other priorities, and the low
+// and background pools run at a lower scheduling priority, yielding the processor.
+WorkerPool& poolOfLane(std::size_t lane) {
+    // Deliberately leaked, like the default pool.
+    switch (lane) {
+        case 0: {
+            static auto* high = new WorkerPool(0);
+            return *high;
         }
-        WorkerPool::shared().post([this] { runMostUrgent(); });
+        case 1:
+            return WorkerPool::shared();
+        case 2: {
+            static auto* low = new WorkerPool(10);
+            return *low;
+        }
+        default: {
+            static auto* background = new WorkerPool(19);
+            return *background;
+        }
     }
-
-  private:
-    void runMostUrgent();
-
-    std::mutex mutex_;
-    std::array<std::deque<std::function<void()>>, 4> lanes_;
-};
-
-GlobalLanes& globalLanes() {
-    static auto* lanes = new GlobalLanes();  // deliberately leaked, like the pool it feeds
-    return *lanes;
 }
 
 class GlobalDispatchQueue final : public DispatchQueue {
@@ -144,7 +142,11 @@ class GlobalDispatchQueue final : public DispatchQueue {
         : DispatchQueue(Kind::global, kGlobalLabels[lane], kGlobalPriorities[lane]), lane_(lane) {}
 
     void async(std::function<void()> work) override {
-        if (work) globalLanes().submit(lane_, std::move(work));
+        if (!work) return;
+        poolOfLane(lane_).post([this, work = std::move(work)] {
+            CurrentQueueScope scope(*this);
+            runWork(work);
+        });
     }
 
   protected:
@@ -155,22 +157,8 @@ class GlobalDispatchQueue final : public DispatchQueue {
     }
 
   private:
-    std::size_t lane_;
+    const std::size_t lane_;  // its pool is made on the first submission
 };
-
-void GlobalLanes::runMostUrgent() {
-    std::function<void()> work;
-    std::size_t lane = 0;
-    {
-        std::lock_guard lock(mutex_);
-        while (lane < lanes_.size() && lanes_[lane].empty()) ++lane;
-        if (lane == lanes_.size()) return;
-        work = std::move(lanes_[lane].front());
-        lanes_[lane].pop_front();
-    }
-    CurrentQueueScope scope(*DispatchQueue::global(kGlobalPriorities[lane]));
-    runWork(work);
-}
 
 // --- serial queues --------------------------------------------------------------------------
 

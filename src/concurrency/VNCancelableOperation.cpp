@@ -1,5 +1,7 @@
 #include "vn/concurrency/VNCancelableOperation.h"
 
+#include <utility>
+
 #include "vn/platform/FatalError.h"
 
 namespace vn {

@@ -1,5 +1,7 @@
 #include "vn/concurrency/VNDeallocBlockExecution.h"
 
+#include <utility>
+
 namespace vn {
 
 VNDeallocBlockExecution::VNDeallocBlockExecution(Callback callbackBlock)

@@ -1,5 +1,7 @@
 #include "vn/concurrency/VNInvocationWithSelfOperation.h"
 
+#include <utility>
+
 namespace vn {
 
 VNInvocationWithSelfOperation::VNInvocationWithSelfOperation(ObjectPtr target, Selector sel)

@@ -1,23 +1,34 @@
 #include "concurrency/WorkerPool.h"
 
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <algorithm>
 
 namespace vn::concurrency {
 namespace {
 
-thread_local bool tIsWorker = false;
+thread_local WorkerPool* tPool = nullptr;
+
+// On Linux a thread id names one thread for setpriority(): only the calling thread changes.
+// Lowering priority needs no privilege; a failure just leaves the thread at normal priority.
+void applyNiceness(int niceness) {
+    if (niceness != 0) setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), niceness);
+}
 
 }  // namespace
 
 WorkerPool& WorkerPool::shared() {
     // Deliberately leaked: worker threads run until the process ends, and work may still be
     // submitted from static destructors.
-    static auto* pool = new WorkerPool();
+    static auto* pool = new WorkerPool(0);
     return *pool;
 }
 
-WorkerPool::WorkerPool()
-    : keepRunning_(asio::make_work_guard(context_)),
+WorkerPool::WorkerPool(int niceness)
+    : niceness_(niceness),
+      keepRunning_(asio::make_work_guard(context_)),
       minimumRunnable_(std::max<std::size_t>(4, std::thread::hardware_concurrency())),
       maximumThreads_(minimumRunnable_ + 64) {
     std::lock_guard lock(mutex_);
@@ -26,18 +37,14 @@ WorkerPool::WorkerPool()
 
 void WorkerPool::startThreadLocked() {
     threads_.emplace_back([this] {
-        tIsWorker = true;
+        tPool = this;
+        applyNiceness(niceness_);
         context_.run();
     });
 }
 
-bool WorkerPool::isWorkerThread() {
-    return tIsWorker;
-}
-
-std::size_t WorkerPool::threadCount() const {
-    std::lock_guard lock(mutex_);
-    return threads_.size();
+WorkerPool* WorkerPool::ofCurrentThread() {
+    return tPool;
 }
 
 void WorkerPool::willBlock() {
@@ -53,12 +60,12 @@ void WorkerPool::didUnblock() {
     --blocked_;
 }
 
-BlockingRegion::BlockingRegion() : active_(WorkerPool::isWorkerThread()) {
-    if (active_) WorkerPool::shared().willBlock();
+BlockingRegion::BlockingRegion() : pool_(WorkerPool::ofCurrentThread()) {
+    if (pool_) pool_->willBlock();
 }
 
 BlockingRegion::~BlockingRegion() {
-    if (active_) WorkerPool::shared().didUnblock();
+    if (pool_) pool_->didUnblock();
 }
 
 }  // namespace vn::concurrency

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -185,6 +186,18 @@ TEST(DispatchQueue, WorkersBlockedInWaitsDoNotStarveLaterWork) {
     DispatchQueue::global()->async([&] {
         for (int i = 0; i < kWaiters; ++i) release.signal();
     });
+    EXPECT_EQ(group->wait(30s), DispatchWaitResult::success);
+}
+
+// Default-priority workers all blocked outside the library (so their pool does not grow):
+// high-priority work still runs, on threads of its own.
+TEST(DispatchQueue, HighPriorityWorkDoesNotQueueBehindABusyDefaultQueue) {
+    auto release = std::make_shared<std::promise<void>>();
+    std::shared_future<void> released = release->get_future().share();
+    const auto group = DispatchGroup::create();
+    for (int i = 0; i < 100; ++i)
+        DispatchQueue::global()->async(group, [released] { released.wait(); });
+    DispatchQueue::global(DISPATCH_QUEUE_PRIORITY_HIGH)->async([release] { release->set_value(); });
     EXPECT_EQ(group->wait(30s), DispatchWaitResult::success);
 }
 

@@ -5,8 +5,9 @@
 // - the main queue, a serial queue whose work runs only on the main thread, when the host
 //   drives vn::RunLoop::main() (nothing runs it otherwise);
 // - four global concurrent queues, one per platform priority (high 2, default 0, low -2,
-//   background -32768); work on them runs on a shared pool of worker threads, higher
-//   priorities first;
+//   background -32768). Each priority has a pool of worker threads of its own (made on first
+//   use, growing while its workers wait), so high-priority work never queues behind other
+//   priorities' backlog; the low and background pools run at a lower scheduling priority;
 // - serial queues with a label, created by the caller, that run one block at a time, in the
 //   order the blocks were submitted (per submitting thread; submissions from different
 //   threads interleave in the order they reach the queue).
