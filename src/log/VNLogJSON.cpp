@@ -25,7 +25,6 @@ void writeParserElement(const Value& element) {
 
 void VNLog::logJSONObject(const Value& object, std::string_view title) {
     if (!hasActiveSink()) return;
-    sharedInstance();  // the switches' defaults are registered with the logger
     const Value titled(Value::Dictionary{{std::string(title), object}});
     writeMessage(jsonString(titled, JSONWritingStyle::pretty), true);
 }

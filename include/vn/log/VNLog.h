@@ -37,6 +37,8 @@
 #include "vn/log/StringFormat.h"
 #include "vn/log/VNLogListener.h"
 #include "vn/platform/Object.h"
+#include "vn/platform/URLRequest.h"
+#include "vn/platform/URLResponse.h"
 #include "vn/platform/Value.h"
 #include "vn/services/VNLoggerService.h"
 
@@ -92,6 +94,35 @@ class VNLog final : public Object {
     // Otherwise nothing happens; the closure form does not even evaluate the element.
     static void logJSONParserElementIfEnabled(const Value& element);
     static void logJSONParserElementIfEnabled(const std::function<Value()>& element);
+
+    // Network tracing. Each writer sends a record of the exchange, as JSON, to two
+    // destinations with their own gates:
+    // - the local log when isLogResponsesEnabled() (the responses switch, deliberately also for
+    //   requests): pretty JSON (tab indentation) of {"request": record} or {"response": record},
+    //   written as logJSONObject writes it;
+    // - the host's loggerService(), when one is registered, its isLogEnabled() is true and its
+    //   logLevelForType(VNLoggerType::network) is not off: the compact JSON of the same
+    //   dictionary as VNLoggerType::network at VNLoggerLevel::debug, logToConsole false, on
+    //   the caller's thread.
+    // When both are closed the record is not built at all.
+    //
+    // The request record: "url" (the URL's absoluteString), "method", "headers" (every header
+    // field) and "body" (the body as UTF-8 text, "" when it is not valid UTF-8), each JSON null
+    // when the request has none.
+    static void logURLRequestIfEnabled(const URLRequest& request);
+
+    // The response record: "url" (the absoluteString of the request's URL, not the
+    // response's; null when it has none) and "bytes" (data's size, 0 without data); for an
+    // HTTPURLResponse also "statusCode" and "headers" (all header fields). When
+    // isLogResponsesBodyEnabled(), also "data": data as text in the response's
+    // vnStringEncoding(), UTF-8 when it names none; null when there is no data or it does not
+    // decode.
+    static void logURLResponseIfEnabled(const URLResponse& response, const URLRequest& request,
+                                        const std::optional<Data>& data);
+    // The same for a body downloaded into the file at dataPath: "bytes" is 0 and "data" (when
+    // isLogResponsesBodyEnabled()) is "Downloaded data saved to path " followed by dataPath.
+    static void logURLResponseIfEnabled(const URLResponse& response, const URLRequest& request,
+                                        std::string_view dataPath);
 
     // Closes and deletes the log file; the next message starts a new one.
     static void clearLog();

@@ -7,6 +7,8 @@
 #include "vn/log/StringFormat.h"
 #include "vn/log/VNLog.h"
 #include "vn/platform/ExecutionEnvironment.h"
+#include "vn/platform/URLRequest.h"
+#include "vn/platform/URLResponse.h"
 #include "vn/platform/UserDefaults.h"
 
 namespace {
@@ -56,6 +58,24 @@ void showSwitches(const char* situation) {
         onOff(VNLog::isLogResponsesEnabled()), onOff(VNLog::isLogResponsesBodyEnabled()));
 }
 
+// A traced exchange: the request, then an HTTP response whose Latin-1 body is decoded by the
+// charset its Content-Type names.
+void showNetworkTracing() {
+    std::printf("\nnetwork tracing (file on, response bodies on), as a listener hears it:\n");
+    turnFileLogOn();
+    UserDefaults::standard().setBool(true, VNLog::logResponsesBodyPreferenceKey);
+    const auto listener = std::make_shared<PrintingListener>();
+    VNLog::addListener(listener);
+    URLRequest request(URL::URLWithString("https://example.com/items?page=2").value());
+    request.setValue("application/json", "Accept");
+    VNLog::logURLRequestIfEnabled(request);
+    const HTTPURLResponse response(request.url().value(), 200,
+                                   {{"Content-Type", "text/plain; charset=iso-8859-1"}});
+    VNLog::logURLResponseIfEnabled(response, request, Data{'c', 'a', 'f', 0xe9});
+    VNLog::removeListener(listener);
+    UserDefaults::standard().removeObjectForKey(VNLog::logResponsesBodyPreferenceKey);
+}
+
 void showLog() {
     VNLog::reset();
     showSwitches("fresh process:");
@@ -87,6 +107,7 @@ void showLog() {
     std::printf("\nformatting: %s\n", stringWithFormat("[%5d] [%-6s] [%05.1f] [%x] [%@] [%2$@]", 42,
                                                        "ab", 3.14159, 255, Value::null())
                                           .c_str());
+    showNetworkTracing();
     VNLog::reset();
     VNUtilities::setIsTolvarApp(false);
 }

@@ -1,4 +1,4 @@
-#include "vn/formatting/StringEncoding.h"
+#include "vn/platform/StringEncoding.h"
 
 #include <unicode/ucnv.h>
 #include <unicode/ustring.h>

@@ -1,5 +1,5 @@
 // Charset names, the platform's encoding values, and conversion to and from bytes.
-#include "vn/formatting/StringEncoding.h"
+#include "vn/platform/StringEncoding.h"
 
 #include <gtest/gtest.h>
 
