@@ -17,13 +17,6 @@ formatting::LocaleChangeCacheObserver& dateFormatterObserver() {
     return *observer;
 }
 
-std::string& beginKey(std::string_view head) {
-    dateFormatterObserver().registerOnMainThreadOnce();
-    std::string& key = formatting::reusableKeyBuffer();
-    key.append(head);
-    return key;
-}
-
 void appendStyle(std::string& key, DateFormatter::Style style) {
     key.append(std::to_string(static_cast<unsigned>(style)));
 }
@@ -50,7 +43,7 @@ DateFormatter::Style styleForRawValue(unsigned raw) {
 DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
     Style dateStyle, Style timeStyle, bool hasMilliseconds,
     const std::optional<std::string>& localeId, bool useCurrentCalendar) {
-    std::string& key = beginKey("VNNSDateFormatterDateStyle");
+    std::string& key = formatting::beginKey(dateFormatterObserver(), "VNNSDateFormatterDateStyle");
     appendStyle(key, dateStyle);
     key.append("TimeStyle");
     appendStyle(key, timeStyle);
@@ -80,7 +73,7 @@ DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDa
 
 DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
     std::string_view pattern) {
-    std::string& key = beginKey("VNNSDateFormatterWithFormat");
+    std::string& key = formatting::beginKey(dateFormatterObserver(), "VNNSDateFormatterWithFormat");
     key.append(pattern);
     return threadCachedObject<DateFormatter>(key, [&] {
         auto formatter = std::make_shared<DateFormatter>();

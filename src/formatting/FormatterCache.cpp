@@ -30,4 +30,11 @@ void LocaleChangeCacheObserver::registerOnMainThreadOnce() {
     });
 }
 
+std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head) {
+    observer.registerOnMainThreadOnce();
+    std::string& key = reusableKeyBuffer();
+    key.append(head);
+    return key;
+}
+
 }  // namespace vn::formatting

@@ -47,4 +47,8 @@ class LocaleChangeCacheObserver {
     std::atomic<bool> registered_{false};
 };
 
+// Starts a key in the thread's reusable buffer with head, after registering the family's
+// locale observer when due.
+std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head);
+
 }  // namespace vn::formatting

@@ -19,14 +19,6 @@ formatting::LocaleChangeCacheObserver& numberFormatterObserver() {
     return *observer;
 }
 
-// Starts a key in the thread's reusable buffer and registers the locale observer when due.
-std::string& beginKey(std::string_view head) {
-    numberFormatterObserver().registerOnMainThreadOnce();
-    std::string& key = formatting::reusableKeyBuffer();
-    key.append(head);
-    return key;
-}
-
 void appendLocaleId(std::string& key, const std::optional<std::string>& localeId) {
     if (!localeId) return;
     key.append("LocaleId");
@@ -54,7 +46,8 @@ NumberFormatterPtr plainFormatter(const std::optional<std::string>& localeId) {
 
 NumberFormatterPtr NumberFormatter::numberFormatterForVNPicture(
     std::string_view picture, const std::optional<std::string>& localeId, bool numberHasDecimals) {
-    std::string& key = beginKey("VNNSNumberFormatterWithVNPicture");
+    std::string& key =
+        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterWithVNPicture");
     key.append(picture);
     appendLocaleId(key, localeId);
     return threadCachedObject<NumberFormatter>(key, [&] {
@@ -71,8 +64,9 @@ NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
 NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
     std::string_view pattern, const std::optional<std::string>& zeroSymbol,
     const std::optional<std::string>& localeId) {
-    std::string& key =
-        beginKey(zeroSymbol ? "VNNSNumberFormatterWith0Symbol" : "VNNSNumberFormatterWithFormat");
+    std::string& key = formatting::beginKey(
+        numberFormatterObserver(),
+        zeroSymbol ? "VNNSNumberFormatterWith0Symbol" : "VNNSNumberFormatterWithFormat");
     if (zeroSymbol) {
         key.append(*zeroSymbol);
         key.append("Format");
@@ -90,7 +84,8 @@ NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
 NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
     std::uint64_t fractionDigits, std::uint64_t integerDigits,
     const std::optional<std::string>& localeId) {
-    std::string& key = beginKey("VNNSNumberFormatterFraction");
+    std::string& key =
+        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterFraction");
     appendUnsigned(key, fractionDigits);
     key.append("Integer");
     appendUnsigned(key, integerDigits);
@@ -111,12 +106,13 @@ NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
 }
 
 NumberFormatterPtr NumberFormatter::numberFormatterForLocale_en_US_POSIX() {
-    std::string& key = beginKey("VNNSNumberFormatter");
+    std::string& key = formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatter");
     return threadCachedObject<NumberFormatter>(key, [] { return plainFormatter("en_US_POSIX"); });
 }
 
 NumberFormatterPtr NumberFormatter::decimalNumberFormatterForLocales_en_US_POSIX() {
-    std::string& key = beginKey("VNNSNumberFormatterDecimal");
+    std::string& key =
+        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterDecimal");
     return threadCachedObject<NumberFormatter>(key, [] {
         auto formatter = plainFormatter("en_US_POSIX");
         formatter->setGeneratesDecimalNumbers(true);

@@ -297,12 +297,133 @@ bool Scanner::scanFloatingWithSeparator(std::size_t start, float* result) {
     return true;
 }
 
-double Scanner::beyondRange(const char* begin, const char* end, double) {
-    return strtoInCLocale<double>(std::string(begin, end));
+namespace {
+
+// The mantissas and powers of ten a floating type holds exactly. A number whose decimal
+// mantissa and power of ten both fit is the correctly rounded result of one multiplication or
+// division of the two, which is what strtod returns for its text (Clinger's fast path).
+template <typename Floating>
+struct ExactRange;
+template <>
+struct ExactRange<double> {
+    static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 53;
+    static constexpr int maxPowerOfTen = 22;
+};
+template <>
+struct ExactRange<float> {
+    static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 24;
+    static constexpr int maxPowerOfTen = 10;
+};
+
+template <typename Floating>
+constexpr std::array<Floating, ExactRange<Floating>::maxPowerOfTen + 1> exactPowersOfTen() {
+    std::array<Floating, ExactRange<Floating>::maxPowerOfTen + 1> powers{};
+    Floating power = 1;
+    for (Floating& entry : powers) {
+        entry = power;
+        power *= 10;
+    }
+    return powers;
 }
 
-float Scanner::beyondRange(const char* begin, const char* end, float) {
-    return strtoInCLocale<float>(std::string(begin, end));
+struct DecimalDigits {
+    std::uint64_t mantissa = 0;
+    int powerOfTen = 0;
+    std::size_t end = 0;
+};
+
+// Reads [digits][.digits][(e|E)[sign]digits] at `at` when its significant digits fit in 19
+// (so the mantissa cannot overflow) and the exponent stays small; false otherwise, and for no
+// digit at all, leaving such texts to the general reader. (Results travel through out
+// parameters: an optional returned from here costs a store-forwarding stall per call.)
+[[gnu::always_inline]] inline bool readSmallDecimal(std::string_view text, std::size_t at,
+                                                    DecimalDigits& digits) {
+    constexpr int kMaxSignificantDigits = 19;
+    constexpr int kMaxExponentMagnitude = 9999;
+    int significant = 0;
+    bool anyDigit = false;
+    auto take = [&](char c) {
+        anyDigit = true;
+        if (digits.mantissa == 0 && c == '0') return true;
+        if (++significant > kMaxSignificantDigits) return false;
+        digits.mantissa = digits.mantissa * 10 + static_cast<std::uint64_t>(c - '0');
+        return true;
+    };
+    std::size_t i = at;
+    for (; i < text.size() && isDigit(text[i]); ++i)
+        if (!take(text[i])) return false;
+    if (i < text.size() && text[i] == '.') {
+        for (++i; i < text.size() && isDigit(text[i]); ++i) {
+            if (!take(text[i])) return false;
+            --digits.powerOfTen;
+        }
+    }
+    if (!anyDigit) return false;
+    digits.end = i;
+    if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
+        std::size_t j = i + 1;
+        const bool negative = j < text.size() && text[j] == '-';
+        if (j < text.size() && (text[j] == '+' || text[j] == '-')) ++j;
+        if (j < text.size() && isDigit(text[j])) {
+            int exponent = 0;
+            for (; j < text.size() && isDigit(text[j]); ++j) {
+                exponent = exponent * 10 + (text[j] - '0');
+                if (exponent > kMaxExponentMagnitude) return false;
+            }
+            digits.powerOfTen += negative ? -exponent : exponent;
+            digits.end = j;
+        }
+    }
+    return true;
+}
+
+template <typename Floating>
+bool readExactValue(const DecimalDigits& digits, Floating& value) {
+    using Range = ExactRange<Floating>;
+    static constexpr auto kPowers = exactPowersOfTen<Floating>();
+    if (digits.mantissa > Range::maxMantissa) return false;
+    if (digits.powerOfTen < -Range::maxPowerOfTen || digits.powerOfTen > Range::maxPowerOfTen)
+        return false;
+    const auto mantissa = static_cast<Floating>(digits.mantissa);
+    value = digits.powerOfTen < 0 ? mantissa / kPowers[static_cast<std::size_t>(-digits.powerOfTen)]
+                                  : mantissa * kPowers[static_cast<std::size_t>(digits.powerOfTen)];
+    return true;
+}
+
+// std::from_chars reads the same decimal syntax as strtod once the first character is known
+// to start a number (so "inf", "nan" and a second sign never reach it), in a single pass; a
+// value beyond the type's range (which it does not produce) comes from strtod itself.
+template <typename Floating>
+std::size_t readWithPoint(std::string_view text, std::size_t at, Floating* result) {
+    std::size_t first = at;
+    if (first < text.size() && text[first] == '+') ++first;
+    const bool negative = first == at && first < text.size() && text[first] == '-';
+    const std::size_t body = negative ? first + 1 : first;
+    if (body >= text.size() || !(isDigit(text[body]) || text[body] == '.')) return at;
+    DecimalDigits digits;
+    Floating exact = 0;
+    if (readSmallDecimal(text, body, digits) && readExactValue(digits, exact)) {
+        if (result) *result = negative ? -exact : exact;
+        return digits.end;
+    }
+    Floating value = 0;
+    const char* begin = text.data() + first;
+    const auto [end, error] = std::from_chars(begin, text.data() + text.size(), value);
+    if (error == std::errc::invalid_argument) return at;
+    if (error == std::errc::result_out_of_range)
+        value = strtoInCLocale<Floating>(std::string(begin, end));
+    if (result) *result = value;
+    return static_cast<std::size_t>(end - text.data());
+}
+
+}  // namespace
+
+std::size_t Scanner::readDoubleWithPoint(std::string_view text, std::size_t at, double* result) {
+    return readWithPoint(text, at, result);
+}
+
+std::size_t Scanner::readFloatWithPoint(std::string_view text, std::size_t at, float* result) {
+    return readWithPoint(text, at, result);
 }
 
 std::optional<double> Scanner::scanDouble() {

@@ -107,26 +107,6 @@ Value::Value(Data data) : storage_(std::make_shared<const Data>(std::move(data))
 Value::Value(Array array) : storage_(std::make_shared<const Array>(std::move(array))) {}
 Value::Value(Dictionary dictionary) : storage_(std::make_shared<const Dictionary>(std::move(dictionary))) {}
 
-const std::string* Value::string() const {
-    const auto* text = std::get_if<std::shared_ptr<const std::string>>(&storage_);
-    return text ? text->get() : nullptr;
-}
-
-const Data* Value::data() const {
-    const auto* data = std::get_if<std::shared_ptr<const Data>>(&storage_);
-    return data ? data->get() : nullptr;
-}
-
-const Value::Array* Value::array() const {
-    const auto* array = std::get_if<std::shared_ptr<const Array>>(&storage_);
-    return array ? array->get() : nullptr;
-}
-
-const Value::Dictionary* Value::dictionary() const {
-    const auto* dictionary = std::get_if<std::shared_ptr<const Dictionary>>(&storage_);
-    return dictionary ? dictionary->get() : nullptr;
-}
-
 const ObjectPtr& Value::object() const {
     const auto* object = std::get_if<ObjectPtr>(&storage_);
     return object ? *object : kNoObject;

@@ -18,6 +18,13 @@ bool scanScalar(Scanner& scanner, Decimal* value) {
     return scanner.scanDecimal(value);
 }
 
+std::size_t readWithPoint(std::string_view text, double* value) {
+    return Scanner::readDoubleWithPoint(text, 0, value);
+}
+std::size_t readWithPoint(std::string_view text, float* value) {
+    return Scanner::readFloatWithPoint(text, 0, value);
+}
+
 // Whether the character at `at`, right after a number read with ".", can be the start of no
 // locale's decimal separator (none is a blank, a sign, an exponent letter or a point).
 bool noSeparatorCanStartAt(std::string_view text, std::size_t at) {
@@ -31,9 +38,10 @@ bool noSeparatorCanStartAt(std::string_view text, std::size_t at) {
 // agree unless the locale's separator follows the integer digits, so the text is read with "."
 // first and the locale is consulted only when a separator could follow: the common numeric text
 // costs neither a search for "." nor a locale lookup. The number is made once, in place, at the
-// end (copying it between calls costs more than reading it).
+// end (copying it between calls costs more than reading it). Kept out of line so that the
+// direct read below stays a small function.
 template <typename Scalar>
-std::optional<Number> floatingTextNumber(std::string_view text) {
+[[gnu::noinline]] std::optional<Number> scannedTextNumber(std::string_view text) {
     Scalar value{};
     Scanner plain(text);
     bool scanned = scanScalar(plain, &value);
@@ -45,6 +53,17 @@ std::optional<Number> floatingTextNumber(std::string_view text) {
     }
     if (!scanned) return std::nullopt;
     return Number(value);
+}
+
+// Most numeric texts start with the number itself and end with it: those are read without
+// setting up a scanner, which is most of the cost of so short a read.
+template <typename Scalar>
+std::optional<Number> floatingTextNumber(std::string_view text) {
+    if constexpr (!std::is_same_v<Scalar, Decimal>) {
+        Scalar value{};
+        if (!text.empty() && readWithPoint(text, &value) == text.size()) return Number(value);
+    }
+    return scannedTextNumber<Scalar>(text);
 }
 
 template <typename Scalar>

@@ -4,9 +4,14 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <optional>
+#include <random>
+#include <sstream>
 #include <string>
+
+#include <locale.h>
 
 #include "vn/platform/Exception.h"
 
@@ -110,6 +115,50 @@ TEST(Scanner, ReadsFloatsRoundedOnceToFloatPrecision) {
               1.00000011920928955078125f);
     EXPECT_EQ(Scanner("0.1").scanFloat(), 0.1f);
     EXPECT_EQ(Scanner("1e39").scanFloat(), std::numeric_limits<float>::infinity());
+}
+
+// Numbers of few digits and small exponents are computed directly; these texts sit on both
+// sides of where that stops being exact (2^53 and 1e22 for doubles, 2^24 and 1e10 for floats,
+// 19 significant digits), and the generated ones cover every small exponent.
+TEST(Scanner, ReadsShortNumbersBitForBitAsStrtodAndStrtofDo) {
+    const locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+    ASSERT_NE(cLocale, static_cast<locale_t>(nullptr));
+    const auto expectSameAsC = [&](const std::string& text) {
+        char* end = nullptr;
+        const double expected = strtod_l(text.c_str(), &end, cLocale);
+        double actual = 0;
+        ASSERT_EQ(Scanner::readDoubleWithPoint(text, 0, &actual),
+                  static_cast<std::size_t>(end - text.c_str()))
+            << text;
+        ASSERT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0)
+            << text << " gives " << actual << ", strtod " << expected;
+        const float expectedFloat = strtof_l(text.c_str(), nullptr, cLocale);
+        float actualFloat = 0;
+        Scanner::readFloatWithPoint(text, 0, &actualFloat);
+        ASSERT_EQ(std::memcmp(&actualFloat, &expectedFloat, sizeof actualFloat), 0)
+            << text << " gives " << actualFloat << ", strtof " << expectedFloat;
+    };
+    std::istringstream boundaryTexts(
+        "9007199254740992 9007199254740993 -9007199254740993 9007199254740992e22 "
+        "9007199254740993e-22 1e22 1e23 1e-22 1e-23 3e22 3e-23 16777216 16777217 16777217e10 "
+        "16777216e-10 1e10 1e11 1e-10 1e-11 1234567890123456789 12345678901234567890 "
+        "0.1234567890123456789e3 000000000000000000000000001.5 "
+        "0.000000000000000000000000000001 -0 -0.0e5 +0.0 5. .5 1e 1e+ 1e-x 2.5E+3 "
+        "7e0000000000000000000000000001 1e99999 4.9e-324 1.7976931348623157e308 123.456e-3 "
+        "0.1 0.3");
+    for (std::string text; boundaryTexts >> text;) expectSameAsC(text);
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 100000; ++i) {
+        const std::uint64_t mantissa = random() >> (random() % 64);
+        std::string text = std::to_string(mantissa);
+        const std::size_t point = random() % (text.size() + 1);
+        if (point < text.size()) text.insert(point, ".");
+        const int exponent = static_cast<int>(random() % 61) - 30;
+        if (exponent != 0) text += "e" + std::to_string(exponent);
+        if (random() % 2 == 0) text.insert(0, "-");
+        expectSameAsC(text);
+    }
+    freelocale(cLocale);
 }
 
 TEST(Scanner, UsesTheConfiguredDecimalSeparator) {

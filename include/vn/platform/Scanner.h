@@ -9,14 +9,14 @@
 // set (localizedScanner() takes the user's). Digits are the ASCII digits; "inf", "nan" and
 // hexadecimal forms are not numbers here.
 //
-// With the default skip set and "." as separator, scanning numbers allocates nothing and reads
-// each number once (through std::from_chars); other separators and values beyond the range of
-// double take a slower path. A scanner is a small value for one thread; distinct scanners may
-// run on any threads at once.
+// With the default skip set and "." as separator, scanning numbers allocates nothing: a number
+// of few digits and a small exponent is computed exactly in one pass, any other is read once
+// through std::from_chars; other separators and values beyond the range of double take a slower
+// path. A scanner is a small value for one thread; distinct scanners may run on any threads at
+// once.
 #pragma once
 
 #include <bitset>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -110,6 +110,12 @@ class Scanner {
     std::optional<double> scanDouble();
     bool scanFloat(float* result) { return scanFloating(result); }
     std::optional<float> scanFloat();
+    // The floating syntax above with "." as the separator, read exactly at `at` without
+    // skipping and without a scanner: the offset just after the number, or `at` itself when no
+    // number starts there (`result` is then untouched). For callers that read one number from
+    // a text and cannot afford to set up a scanner.
+    static std::size_t readDoubleWithPoint(std::string_view text, std::size_t at, double* result);
+    static std::size_t readFloatWithPoint(std::string_view text, std::size_t at, float* result);
 
     // A decimal of up to 38 significant digits (later digits are dropped) in the same syntax;
     // an exponent beyond the decimal's range gives the decimal NaN.
@@ -155,33 +161,19 @@ class Scanner {
         return scanFloatingWithSeparator(start, result);
     }
 
-    // std::from_chars reads the same decimal syntax as strtod once the first character is known
-    // to start a number (so "inf", "nan" and a second sign never reach it), in a single pass.
-    template <typename Floating>
-    bool scanFloatingWithPoint(std::size_t start, Floating* result) {
-        std::size_t first = start;
-        if (first < text_.size() && text_[first] == '+') ++first;
-        const std::size_t body =
-            first < text_.size() && text_[first] == '-' && first == start ? first + 1 : first;
-        if (body >= text_.size() ||
-            !((text_[body] >= '0' && text_[body] <= '9') || text_[body] == '.'))
-            return false;
-        Floating value = 0;
-        const char* begin = text_.data() + first;
-        const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
-        if (error == std::errc::invalid_argument) return false;
-        if (error == std::errc::result_out_of_range) value = beyondRange(begin, end, value);
-        if (result) *result = value;
-        location_ = static_cast<std::size_t>(end - text_.data());
+    bool scanFloatingWithPoint(std::size_t start, double* result) {
+        return moveAfterNumber(start, readDoubleWithPoint(text_, start, result));
+    }
+    bool scanFloatingWithPoint(std::size_t start, float* result) {
+        return moveAfterNumber(start, readFloatWithPoint(text_, start, result));
+    }
+    bool moveAfterNumber(std::size_t start, std::size_t end) {
+        if (end == start) return false;
+        location_ = end;
         return true;
     }
     bool scanFloatingWithSeparator(std::size_t start, double* result);
     bool scanFloatingWithSeparator(std::size_t start, float* result);
-    // The value of a number beyond the type's range (±infinity, ±0 or a subnormal), as strtod
-    // reads it; the last argument only selects the type.
-    static double beyondRange(const char* begin, const char* end, double);
-    static float beyondRange(const char* begin, const char* end, float);
-
     // Whether `string` (not empty) occurs at `at`, compared by caseSensitive().
     bool matchesAt(std::size_t at, std::string_view string) const;
 

@@ -72,11 +72,23 @@ public:
 
     // Typed access: null when the value is of another kind.
     const Number* number() const { return std::get_if<Number>(&storage_); }
-    const std::string* string() const;
-    const Data* data() const;
+    const std::string* string() const {
+        const auto* held = std::get_if<std::shared_ptr<const std::string>>(&storage_);
+        return held ? held->get() : nullptr;
+    }
+    const Data* data() const {
+        const auto* held = std::get_if<std::shared_ptr<const Data>>(&storage_);
+        return held ? held->get() : nullptr;
+    }
     const Date* date() const { return std::get_if<Date>(&storage_); }
-    const Array* array() const;
-    const Dictionary* dictionary() const;
+    const Array* array() const {
+        const auto* held = std::get_if<std::shared_ptr<const Array>>(&storage_);
+        return held ? held->get() : nullptr;
+    }
+    const Dictionary* dictionary() const {
+        const auto* held = std::get_if<std::shared_ptr<const Dictionary>>(&storage_);
+        return held ? held->get() : nullptr;
+    }
     const ObjectPtr& object() const;
     template <typename T>
     std::shared_ptr<T> objectAs() const {
