@@ -17,6 +17,12 @@ constexpr std::array<const char*, 8> kDecimalTexts{
     "3.14159", "-12.5e3", "0.000123", "42.0", "-0.5", "1234567.891", "6.02214076e23", "100.25"};
 constexpr std::array<const char*, 8> kIntegerTexts{"42", "-17",      "123456", "7e3",
                                                    "0",  "99999999", "-5e-3",  "31"};
+// Full-precision and far-exponent texts: more digits or a larger power of ten than a double
+// holds exactly, so none can be computed by one multiplication or division.
+constexpr std::array<const char*, 8> kLongTexts{
+    "3.141592653589793",      "2.718281828459045e-5",   "0.30000000000000004",
+    "1.7976931348623157e308", "-9.87654321098765e-100", "6.62607015e-34",
+    "12345678901234567",      "4.9406564584124654e-324"};
 
 template <std::size_t N>
 std::array<Value, N> valuesOf(const std::array<const char*, N>& texts) {
@@ -70,6 +76,8 @@ BENCHMARK(BM_FromChars<kDecimalTexts>)->Name("BM_FromChars/point_texts");
 BENCHMARK(BM_DoubleNumberFromValue<kIntegerTexts>)
     ->Name("BM_DoubleNumberFromValue/pointless_texts");
 BENCHMARK(BM_FromChars<kIntegerTexts>)->Name("BM_FromChars/pointless_texts");
+BENCHMARK(BM_DoubleNumberFromValue<kLongTexts>)->Name("BM_DoubleNumberFromValue/long_texts");
+BENCHMARK(BM_FromChars<kLongTexts>)->Name("BM_FromChars/long_texts");
 
 void BM_JSONRoundTrip(benchmark::State& state) {
     const std::string text =

@@ -302,16 +302,19 @@ namespace {
 // The mantissas and powers of ten a floating type holds exactly. A number whose decimal
 // mantissa and power of ten both fit is the correctly rounded result of one multiplication or
 // division of the two, which is what strtod returns for its text (Clinger's fast path).
+// A mantissa of more significant digits than maxDigits is beyond maxMantissa.
 template <typename Floating>
 struct ExactRange;
 template <>
 struct ExactRange<double> {
     static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 53;
+    static constexpr int maxDigits = 16;
     static constexpr int maxPowerOfTen = 22;
 };
 template <>
 struct ExactRange<float> {
     static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 24;
+    static constexpr int maxDigits = 8;
     static constexpr int maxPowerOfTen = 10;
 };
 
@@ -332,31 +335,38 @@ struct DecimalDigits {
     std::size_t end = 0;
 };
 
-// Reads [digits][.digits][(e|E)[sign]digits] at `at` when its significant digits fit in 19
-// (so the mantissa cannot overflow) and the exponent stays small; false otherwise, and for no
-// digit at all, leaving such texts to the general reader. (Results travel through out
-// parameters: an optional returned from here costs a store-forwarding stall per call.)
+// Reads digits at i into the mantissa; false as soon as the significant digits outnumber
+// maxDigits. Leading zeros are not significant.
+template <int maxDigits>
+bool readDigits(std::string_view text, std::size_t& i, DecimalDigits& digits, int& significant,
+                int powerStep) {
+    for (; i < text.size() && isDigit(text[i]); ++i) {
+        const auto digit = static_cast<std::uint64_t>(text[i] - '0');
+        digits.powerOfTen += powerStep;
+        if (digits.mantissa == 0 && digit == 0) continue;
+        if (++significant > maxDigits) return false;
+        digits.mantissa = digits.mantissa * 10 + digit;
+    }
+    return true;
+}
+
+// Reads [digits][.digits][(e|E)[sign]digits] at `at` when the mantissa has few enough digits
+// to be exact; false otherwise, and for no digit at all, leaving such texts to the general
+// reader. (Results travel through an out parameter: an optional returned from here costs a
+// store-forwarding stall per call.)
+template <typename Floating>
 [[gnu::always_inline]] inline bool readSmallDecimal(std::string_view text, std::size_t at,
                                                     DecimalDigits& digits) {
-    constexpr int kMaxSignificantDigits = 19;
+    constexpr int kMaxDigits = ExactRange<Floating>::maxDigits;
     constexpr int kMaxExponentMagnitude = 9999;
     int significant = 0;
-    bool anyDigit = false;
-    auto take = [&](char c) {
-        anyDigit = true;
-        if (digits.mantissa == 0 && c == '0') return true;
-        if (++significant > kMaxSignificantDigits) return false;
-        digits.mantissa = digits.mantissa * 10 + static_cast<std::uint64_t>(c - '0');
-        return true;
-    };
     std::size_t i = at;
-    for (; i < text.size() && isDigit(text[i]); ++i)
-        if (!take(text[i])) return false;
+    if (!readDigits<kMaxDigits>(text, i, digits, significant, 0)) return false;
+    bool anyDigit = i > at;
     if (i < text.size() && text[i] == '.') {
-        for (++i; i < text.size() && isDigit(text[i]); ++i) {
-            if (!take(text[i])) return false;
-            --digits.powerOfTen;
-        }
+        const std::size_t fraction = ++i;
+        if (!readDigits<kMaxDigits>(text, i, digits, significant, -1)) return false;
+        anyDigit = anyDigit || i > fraction;
     }
     if (!anyDigit) return false;
     digits.end = i;
@@ -393,6 +403,10 @@ bool readExactValue(const DecimalDigits& digits, Floating& value) {
 // std::from_chars reads the same decimal syntax as strtod once the first character is known
 // to start a number (so "inf", "nan" and a second sign never reach it), in a single pass; a
 // value beyond the type's range (which it does not produce) comes from strtod itself.
+// Texts up to this long are read digit by digit and computed exactly when they can be; longer
+// ones go straight to std::from_chars, whose eight-digits-at-a-time reading wins on them.
+constexpr std::size_t kShortTextLength = 16;
+
 template <typename Floating>
 std::size_t readWithPoint(std::string_view text, std::size_t at, Floating* result) {
     std::size_t first = at;
@@ -402,7 +416,8 @@ std::size_t readWithPoint(std::string_view text, std::size_t at, Floating* resul
     if (body >= text.size() || !(isDigit(text[body]) || text[body] == '.')) return at;
     DecimalDigits digits;
     Floating exact = 0;
-    if (readSmallDecimal(text, body, digits) && readExactValue(digits, exact)) {
+    if (text.size() - body <= kShortTextLength && readSmallDecimal<Floating>(text, body, digits) &&
+        readExactValue(digits, exact)) {
         if (result) *result = negative ? -exact : exact;
         return digits.end;
     }
