@@ -21,30 +21,8 @@ namespace {
 
 using testing::CapturingLogListener;
 using testing::RecordingAlertService;
+using testing::RecordingLoggerService;
 using testing::ScopedLogState;
-
-class RecordingLoggerService final : public VNLoggerService {
-  public:
-    struct Entry {
-        std::string message;
-        VNLoggerType type;
-        VNLoggerLevel level;
-        bool logToConsole;
-    };
-    void startLogging() override {}
-    void endLogging() override {
-        std::fputs("logger service: endLogging\n", stderr);
-        if (failOnEnd) throw Exception("Flush", "could not flush");
-    }
-    bool isLogEnabled() const override { return true; }
-    VNLoggerLevel logLevelForType(VNLoggerType) const override { return VNLoggerLevel::verbose; }
-    void logMessage(std::string_view message, VNLoggerType type, VNLoggerLevel level,
-                    bool toConsole) override {
-        entries.push_back({std::string(message), type, level, toConsole});
-    }
-    std::vector<Entry> entries;
-    bool failOnEnd = false;
-};
 
 class VNUtilitiesFatalErrorsTest : public ::testing::Test {
   protected:
@@ -88,10 +66,11 @@ TEST_F(VNUtilitiesFatalErrorsTest, ProductionModeRaisesAfterTellingTheLoggerServ
     expectException([&] { tryHandleFatalError("h4", "Named", block); }, "Named", "h4");
     EXPECT_FALSE(blockCalled) << "the recovery block is only asked in developer mode";
 
-    ASSERT_EQ(logger->entries.size(), 8u);
-    EXPECT_EQ(logger->entries[0].message, "ERROR: r1");
-    EXPECT_EQ(logger->entries[7].message, "ERROR: h4");
-    for (const auto& entry : logger->entries) {
+    const auto entries = logger->entries();
+    ASSERT_EQ(entries.size(), 8u);
+    EXPECT_EQ(entries[0].message, "ERROR: r1");
+    EXPECT_EQ(entries[7].message, "ERROR: h4");
+    for (const auto& entry : entries) {
         EXPECT_EQ(entry.type, VNLoggerType::general);
         EXPECT_EQ(entry.level, VNLoggerLevel::error);
         EXPECT_FALSE(entry.logToConsole);
@@ -129,7 +108,7 @@ TEST_F(VNUtilitiesFatalErrorsTest, DeveloperModeLogsWithTheCallersStackAndAlerts
     EXPECT_EQ(handled->domain(), VNFatalErrorDomain);
     EXPECT_EQ(handled->code(), 0);
     EXPECT_EQ(handled->localizedDescription(), "handled");
-    EXPECT_TRUE(logger->entries.empty());
+    EXPECT_TRUE(logger->entries().empty());
 }
 
 TEST_F(VNUtilitiesFatalErrorsTest, DeveloperModeRecoveryBlockDecides) {
@@ -149,8 +128,9 @@ TEST_F(VNUtilitiesFatalErrorsTest, DeveloperModeRecoveryBlockDecides) {
     ::testing::internal::GetCapturedStdout();
     EXPECT_EQ(asked, 4);
     EXPECT_EQ(alerts->errors.size(), 1u);
-    ASSERT_EQ(logger->entries.size(), 2u);
-    EXPECT_EQ(logger->entries[0].message, "ERROR: refused");
+    const auto entries = logger->entries();
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_EQ(entries[0].message, "ERROR: refused");
 }
 
 TEST_F(VNUtilitiesFatalErrorsTest, TheFallbackAlertServicePrintsTheRecoverableError) {
@@ -197,7 +177,7 @@ TEST_F(VNUtilitiesFatalErrorsTest, FailingToEndLoggingIsReportedAndTheChainGoesO
             });
             VNUtilities::installUncaughtExceptionsHandler();
             VNUtilities::installUncaughtExceptionsHandler();  // must not chain to itself
-            logger->failOnEnd = true;
+            logger->setFailOnEnd(true);
             throwOnAThread([] { throw Exception("Boom", "first failure"); });
         },
         "CRASH: first failure\n.*Unexpected exception: could not flush\nStack Trace:\n\t.*previous "

@@ -1,13 +1,17 @@
-// Helpers for tests that watch the log: a listener that keeps what it hears, and a scope that
-// puts the log's process-wide state (switches, defaults, listeners, file, services) back to a
-// fresh process's on entry and on exit.
+// Helpers for tests that watch the log: a listener that keeps what it hears, a host logger
+// service that records what it is sent, and a scope that puts the log's process-wide state
+// (switches, defaults, listeners, file, services) back to a fresh process's on entry and on
+// exit.
 #pragma once
 
+#include <cstdio>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "vn/log/VNLog.h"
+#include "vn/platform/Exception.h"
 #include "vn/platform/ExecutionEnvironment.h"
 #include "vn/platform/UserDefaults.h"
 #include "vn/services/VNFoundationServices.h"
@@ -28,6 +32,56 @@ class CapturingLogListener final : public VNLogListener {
   private:
     mutable std::mutex mutex_;
     std::vector<std::string> messages_;
+};
+
+// A host logger: enabled, every kind at verbose except the network kind, which is at debug
+// until configured. endLogging() says on standard error that it ran (so a death test can see
+// it) and throws when asked to fail.
+class RecordingLoggerService final : public VNLoggerService {
+  public:
+    struct Entry {
+        std::string message;
+        VNLoggerType type;
+        VNLoggerLevel level;
+        bool logToConsole;
+    };
+
+    void startLogging() override {}
+    void endLogging() override {
+        std::fputs("logger service: endLogging\n", stderr);
+        if (failOnEnd_) throw Exception("Flush", "could not flush");
+    }
+    bool isLogEnabled() const override {
+        std::lock_guard lock(mutex_);
+        return enabled_;
+    }
+    VNLoggerLevel logLevelForType(VNLoggerType type) const override {
+        std::lock_guard lock(mutex_);
+        return type == VNLoggerType::network ? networkLevel_ : VNLoggerLevel::verbose;
+    }
+    void logMessage(std::string_view message, VNLoggerType type, VNLoggerLevel level,
+                    bool logToConsole) override {
+        std::lock_guard lock(mutex_);
+        entries_.push_back({std::string(message), type, level, logToConsole});
+    }
+
+    void configure(bool enabled, VNLoggerLevel networkLevel) {
+        std::lock_guard lock(mutex_);
+        enabled_ = enabled;
+        networkLevel_ = networkLevel;
+    }
+    void setFailOnEnd(bool fail) { failOnEnd_ = fail; }
+    std::vector<Entry> entries() const {
+        std::lock_guard lock(mutex_);
+        return entries_;
+    }
+
+  private:
+    mutable std::mutex mutex_;
+    bool enabled_ = true;
+    VNLoggerLevel networkLevel_ = VNLoggerLevel::debug;
+    bool failOnEnd_ = false;
+    std::vector<Entry> entries_;
 };
 
 inline void resetLogState() {

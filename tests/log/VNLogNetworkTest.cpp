@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <mutex>
 
 #include "log/LogTesting.h"
 #include "vn/log/VNLog.h"
@@ -13,50 +12,8 @@ namespace vn {
 namespace {
 
 using testing::CapturingLogListener;
+using testing::RecordingLoggerService;
 using testing::ScopedLogState;
-
-// A host logger that records what it is sent and counts how often it is consulted.
-class RecordingLoggerService final : public VNLoggerService {
-  public:
-    struct Entry {
-        std::string message;
-        VNLoggerType type;
-        VNLoggerLevel level;
-        bool logToConsole;
-    };
-
-    void startLogging() override {}
-    void endLogging() override {}
-    bool isLogEnabled() const override {
-        std::lock_guard lock(mutex_);
-        return enabled_;
-    }
-    VNLoggerLevel logLevelForType(VNLoggerType type) const override {
-        std::lock_guard lock(mutex_);
-        return type == VNLoggerType::network ? networkLevel_ : VNLoggerLevel::verbose;
-    }
-    void logMessage(std::string_view message, VNLoggerType type, VNLoggerLevel level,
-                    bool logToConsole) override {
-        std::lock_guard lock(mutex_);
-        entries_.push_back({std::string(message), type, level, logToConsole});
-    }
-
-    void configure(bool enabled, VNLoggerLevel networkLevel) {
-        std::lock_guard lock(mutex_);
-        enabled_ = enabled;
-        networkLevel_ = networkLevel;
-    }
-    std::vector<Entry> entries() const {
-        std::lock_guard lock(mutex_);
-        return entries_;
-    }
-
-  private:
-    mutable std::mutex mutex_;
-    bool enabled_ = true;
-    VNLoggerLevel networkLevel_ = VNLoggerLevel::debug;
-    std::vector<Entry> entries_;
-};
 
 // An HTTP response that counts how often the log reads it, to show when a record is built.
 class CountingHTTPResponse final : public HTTPURLResponse {

@@ -3,45 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <mutex>
 
+#include "log/LogTesting.h"
 #include "vn/log/VNLog.h"
 #include "vn/services/VNFoundationServices.h"
 
 namespace vn {
 namespace {
 
-struct LoggedMessage {
-    std::string message;
-    VNLoggerType type;
-    VNLoggerLevel level;
-    bool logToConsole;
-};
-
-class CapturingLoggerService final : public VNLoggerService {
-  public:
-    void startLogging() override {}
-    void endLogging() override {}
-    bool isLogEnabled() const override { return true; }
-    VNLoggerLevel logLevelForType(VNLoggerType) const override { return VNLoggerLevel::verbose; }
-    void logMessage(std::string_view message, VNLoggerType type, VNLoggerLevel level,
-                    bool logToConsole) override {
-        std::lock_guard lock(mutex);
-        messages.push_back({std::string(message), type, level, logToConsole});
-    }
-    std::mutex mutex;
-    std::vector<LoggedMessage> messages;
-};
-
-class CapturingLogListener final : public VNLogListener {
-  public:
-    void logListenerNotifyMessage(const std::string& message) override {
-        std::lock_guard lock(mutex);
-        messages.push_back(message);
-    }
-    std::mutex mutex;
-    std::vector<std::string> messages;
-};
+using testing::CapturingLogListener;
+using testing::RecordingLoggerService;
 
 // A coding key of the caller's own type, as a model enumeration would provide.
 struct TitleKey {
@@ -56,7 +27,7 @@ class VNCodingKeysHelpersTest : public ::testing::Test {
     }
     void TearDown() override { VNFoundationServices::reset(); }
 
-    std::shared_ptr<CapturingLoggerService> logger = std::make_shared<CapturingLoggerService>();
+    std::shared_ptr<RecordingLoggerService> logger = std::make_shared<RecordingLoggerService>();
     Value::Dictionary model{{"title", "Report"},
                             {"count", 12},
                             {"ratio", 0.5},
@@ -92,7 +63,7 @@ TEST_F(VNCodingKeysHelpersTest, AnswersValuesOfTheRequestedTypeWithoutLogging) {
     const auto byOwnKey = VNCodingKeysHelpers::typedValueLoggingError<std::string>(
         TitleKey{}, [this](const TitleKey& key) { return model[key.stringValue()]; });
     EXPECT_EQ(byOwnKey, "Report");
-    EXPECT_TRUE(logger->messages.empty());
+    EXPECT_TRUE(logger->entries().empty());
 }
 
 TEST_F(VNCodingKeysHelpersTest, SendsTheExactMessagesToTheLoggerService) {
@@ -109,16 +80,16 @@ TEST_F(VNCodingKeysHelpersTest, SendsTheExactMessagesToTheLoggerService) {
                   VNStringCodingKey{"null"}, lookup),
               std::nullopt);
 
-    ASSERT_EQ(logger->messages.size(), 4u);
-    EXPECT_EQ(logger->messages[0].message, "Value for 'missing' field not present");
-    EXPECT_EQ(logger->messages[1].message,
+    ASSERT_EQ(logger->entries().size(), 4u);
+    EXPECT_EQ(logger->entries()[0].message, "Value for 'missing' field not present");
+    EXPECT_EQ(logger->entries()[1].message,
               "Value for 'title' key has invalid type. Required Int but found: Report");
     EXPECT_EQ(
-        logger->messages[2].message,
+        logger->entries()[2].message,
         "Value for 'list' key has invalid type. Required String but found: (\n    1,\n    two\n)");
-    EXPECT_EQ(logger->messages[3].message,
+    EXPECT_EQ(logger->entries()[3].message,
               "Value for 'null' key has invalid type. Required Dictionary but found: <null>");
-    for (const LoggedMessage& logged : logger->messages) {
+    for (const RecordingLoggerService::Entry& logged : logger->entries()) {
         EXPECT_EQ(rawValue(logged.type), 0);
         EXPECT_EQ(rawValue(logged.level), 3);
         EXPECT_TRUE(logged.logToConsole);
@@ -130,13 +101,13 @@ TEST_F(VNCodingKeysHelpersTest, EachSwitchSilencesOnlyItsOwnMessage) {
     const VNStringCodingKey title{"title"};
     EXPECT_FALSE(VNCodingKeysHelpers::typedValue<std::string>(missing, lookup, false, true));
     EXPECT_FALSE(VNCodingKeysHelpers::typedValue<bool>(title, lookup, true, false));
-    EXPECT_TRUE(logger->messages.empty());
+    EXPECT_TRUE(logger->entries().empty());
 
     EXPECT_FALSE(VNCodingKeysHelpers::typedValue<std::string>(missing, lookup, true, false));
     EXPECT_FALSE(VNCodingKeysHelpers::typedValue<bool>(title, lookup, false, true));
-    ASSERT_EQ(logger->messages.size(), 2u);
-    EXPECT_EQ(logger->messages[0].message, "Value for 'missing' field not present");
-    EXPECT_EQ(logger->messages[1].message,
+    ASSERT_EQ(logger->entries().size(), 2u);
+    EXPECT_EQ(logger->entries()[0].message, "Value for 'missing' field not present");
+    EXPECT_EQ(logger->entries()[1].message,
               "Value for 'title' key has invalid type. Required Bool but found: Report");
 }
 
@@ -195,8 +166,8 @@ TEST_F(VNCodingKeysHelpersTest, ObjectTypesMatchSubclassesAndAreNamedByTheirClas
     auto text = [](const VNStringCodingKey&) { return Value("plain"); };
     EXPECT_FALSE(VNCodingKeysHelpers::typedValueLoggingError<std::shared_ptr<Widget>>(
         VNStringCodingKey{"w"}, text));
-    ASSERT_EQ(logger->messages.size(), 1u);
-    EXPECT_EQ(logger->messages[0].message,
+    ASSERT_EQ(logger->entries().size(), 1u);
+    EXPECT_EQ(logger->entries()[0].message,
               "Value for 'w' key has invalid type. Required Widget but found: plain");
 }
 
@@ -215,8 +186,8 @@ TEST_F(VNCodingKeysHelpersTest, WithoutALoggerServiceNothingIsWrittenAnywhere) {
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     VNLog::removeListener(listener);
-    EXPECT_TRUE(listener->messages.empty());
-    EXPECT_TRUE(logger->messages.empty()) << "the unregistered service received nothing";
+    EXPECT_TRUE(listener->messages().empty());
+    EXPECT_TRUE(logger->entries().empty()) << "the unregistered service received nothing";
 }
 
 }  // namespace
