@@ -400,45 +400,36 @@ bool readExactValue(const DecimalDigits& digits, Floating& value) {
     return true;
 }
 
-// std::from_chars reads the same decimal syntax as strtod once the first character is known
-// to start a number (so "inf", "nan" and a second sign never reach it), in a single pass; a
-// value beyond the type's range (which it does not produce) comes from strtod itself.
-// Texts up to this long are read digit by digit and computed exactly when they can be; longer
-// ones go straight to std::from_chars, whose eight-digits-at-a-time reading wins on them.
-constexpr std::size_t kShortTextLength = 16;
-
 template <typename Floating>
-std::size_t readWithPoint(std::string_view text, std::size_t at, Floating* result) {
-    std::size_t first = at;
-    if (first < text.size() && text[first] == '+') ++first;
-    const bool negative = first == at && first < text.size() && text[first] == '-';
-    const std::size_t body = negative ? first + 1 : first;
-    if (body >= text.size() || !(isDigit(text[body]) || text[body] == '.')) return at;
+bool computeExactly(std::string_view text, std::size_t body, bool negative, Floating* result,
+                    std::size_t& end) {
     DecimalDigits digits;
     Floating exact = 0;
-    if (text.size() - body <= kShortTextLength && readSmallDecimal<Floating>(text, body, digits) &&
-        readExactValue(digits, exact)) {
-        if (result) *result = negative ? -exact : exact;
-        return digits.end;
-    }
-    Floating value = 0;
-    const char* begin = text.data() + first;
-    const auto [end, error] = std::from_chars(begin, text.data() + text.size(), value);
-    if (error == std::errc::invalid_argument) return at;
-    if (error == std::errc::result_out_of_range)
-        value = strtoInCLocale<Floating>(std::string(begin, end));
-    if (result) *result = value;
-    return static_cast<std::size_t>(end - text.data());
+    if (!readSmallDecimal<Floating>(text, body, digits) || !readExactValue(digits, exact))
+        return false;
+    if (result) *result = negative ? -exact : exact;
+    end = digits.end;
+    return true;
 }
 
 }  // namespace
 
-std::size_t Scanner::readDoubleWithPoint(std::string_view text, std::size_t at, double* result) {
-    return readWithPoint(text, at, result);
+bool Scanner::readExactly(std::string_view text, std::size_t body, bool negative, double* result,
+                          std::size_t& end) {
+    return computeExactly(text, body, negative, result, end);
 }
 
-std::size_t Scanner::readFloatWithPoint(std::string_view text, std::size_t at, float* result) {
-    return readWithPoint(text, at, result);
+bool Scanner::readExactly(std::string_view text, std::size_t body, bool negative, float* result,
+                          std::size_t& end) {
+    return computeExactly(text, body, negative, result, end);
+}
+
+double Scanner::beyondRange(const char* begin, const char* end, double) {
+    return strtoInCLocale<double>(std::string(begin, end));
+}
+
+float Scanner::beyondRange(const char* begin, const char* end, float) {
+    return strtoInCLocale<float>(std::string(begin, end));
 }
 
 std::optional<double> Scanner::scanDouble() {
