@@ -117,9 +117,10 @@ TEST(Scanner, ReadsFloatsRoundedOnceToFloatPrecision) {
     EXPECT_EQ(Scanner("1e39").scanFloat(), std::numeric_limits<float>::infinity());
 }
 
-// Numbers of few digits and small exponents are computed directly; these texts sit on both
-// sides of where that stops being exact (2^53 and 1e22 for doubles, 2^24 and 1e10 for floats,
-// 19 significant digits), and the generated ones cover every small exponent.
+// Short numbers with small exponents are computed directly. These texts sit on both sides of
+// where that stops (the length of a short text, powers of ten up to 1e22 for doubles and 1e10
+// for floats, float mantissas up to 2^24) and where doubles stop being exact (2^53); the
+// generated ones cover every small exponent.
 TEST(Scanner, ReadsShortNumbersBitForBitAsStrtodAndStrtofDo) {
     const locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     ASSERT_NE(cLocale, static_cast<locale_t>(nullptr));
@@ -145,7 +146,8 @@ TEST(Scanner, ReadsShortNumbersBitForBitAsStrtodAndStrtofDo) {
         "0.1234567890123456789e3 000000000000000000000000001.5 "
         "0.000000000000000000000000000001 -0 -0.0e5 +0.0 5. .5 1e 1e+ 1e-x 2.5E+3 "
         "7e0000000000000000000000000001 1e99999 4.9e-324 1.7976931348623157e308 123.456e-3 "
-        "0.1 0.3");
+        "0.1 0.3 123456789012 1234567890123 0.0000000001 1.2345678e-5 -1.2345678e-5 "
+        "9.99999999e22 9.99999999e-22");
     for (std::string text; boundaryTexts >> text;) expectSameAsC(text);
     std::mt19937_64 random(7);
     for (int i = 0; i < 100000; ++i) {
