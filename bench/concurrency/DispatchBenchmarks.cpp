@@ -55,8 +55,8 @@ class Latch {
     bool done_ = false;
 };
 
-void BM_GlobalQueueAsync(benchmark::State& state) {
-    const auto& queue = vn::DispatchQueue::global();
+// Batches of empty blocks posted to queue, each batch waited for.
+void postBatches(benchmark::State& state, const vn::DispatchQueuePtr& queue) {
     Latch latch;
     for (auto _ : state) {
         latch.arm(kBatch);
@@ -64,6 +64,10 @@ void BM_GlobalQueueAsync(benchmark::State& state) {
         latch.wait();
     }
     state.SetItemsProcessed(state.iterations() * kBatch);
+}
+
+void BM_GlobalQueueAsync(benchmark::State& state) {
+    postBatches(state, vn::DispatchQueue::global());
 }
 BENCHMARK(BM_GlobalQueueAsync)->UseRealTime();
 
@@ -81,14 +85,7 @@ void BM_AsioThreadPoolPost(benchmark::State& state) {
 BENCHMARK(BM_AsioThreadPoolPost)->UseRealTime();
 
 void BM_SerialQueueAsync(benchmark::State& state) {
-    const auto queue = vn::DispatchQueue::serial("vn.bench.serial");
-    Latch latch;
-    for (auto _ : state) {
-        latch.arm(kBatch);
-        for (int i = 0; i < kBatch; ++i) queue->async([&latch] { latch.countDown(); });
-        latch.wait();
-    }
-    state.SetItemsProcessed(state.iterations() * kBatch);
+    postBatches(state, vn::DispatchQueue::serial("vn.bench.serial"));
 }
 BENCHMARK(BM_SerialQueueAsync)->UseRealTime();
 

@@ -53,36 +53,53 @@ void BM_LogMessageToFile(benchmark::State& state) {
 BENCHMARK(BM_LogMessageToFile)->UseRealTime();
 
 // The floor for the file sink: the same line written and synchronised by hand, in a file
-// beside the log file.
+// beside the log file, which is removed again when done.
+class BareFile {
+  public:
+    BareFile()
+        : path_(vn::temporaryDirectory() + "bare-write-benchmark.log"),
+          descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644)) {}
+    ~BareFile() {
+        if (descriptor_ < 0) return;
+        ::close(descriptor_);
+        ::unlink(path_.c_str());
+    }
+    BareFile(const BareFile&) = delete;
+    BareFile& operator=(const BareFile&) = delete;
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    void writeAndSynchronise(const std::string& line) {
+        benchmark::DoNotOptimize(::write(descriptor_, line.data(), line.size()));
+        ::fdatasync(descriptor_);
+    }
+
+  private:
+    std::string path_;
+    int descriptor_;
+};
+
 void BM_BareWriteAndFdatasync(benchmark::State& state) {
-    const std::string path = vn::temporaryDirectory() + "bare-write-benchmark.log";
     const std::string line = kMessage + "\n";
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (descriptor < 0) {
+    BareFile file;
+    if (!file.isOpen()) {
         state.SkipWithError("cannot create the file");
         return;
     }
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(::write(descriptor, line.data(), line.size()));
-        ::fdatasync(descriptor);
-    }
+    for (auto _ : state) file.writeAndSynchronise(line);
     state.SetItemsProcessed(state.iterations());
-    ::close(descriptor);
-    ::unlink(path.c_str());
 }
 BENCHMARK(BM_BareWriteAndFdatasync)->UseRealTime();
 
 // Both in one loop, one after the other, so that a busy disk slows both alike: the counters
 // are each side's messages per second and their ratio (log / bare).
 void BM_LogBesideBareWriteAlternating(benchmark::State& state) {
-    setSwitches(true, true);
-    const std::string path = vn::temporaryDirectory() + "bare-write-benchmark.log";
     const std::string line = kMessage + "\n";
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (descriptor < 0) {
+    BareFile file;
+    if (!file.isOpen()) {
         state.SkipWithError("cannot create the file");
         return;
     }
+    setSwitches(true, true);
     using Clock = std::chrono::steady_clock;
     Clock::duration logTime{};
     Clock::duration bareTime{};
@@ -90,8 +107,7 @@ void BM_LogBesideBareWriteAlternating(benchmark::State& state) {
         const auto start = Clock::now();
         vn::VNLog::logMessage(kMessage);
         const auto logged = Clock::now();
-        benchmark::DoNotOptimize(::write(descriptor, line.data(), line.size()));
-        ::fdatasync(descriptor);
+        file.writeAndSynchronise(line);
         const auto written = Clock::now();
         logTime += logged - start;
         bareTime += written - logged;
@@ -102,8 +118,6 @@ void BM_LogBesideBareWriteAlternating(benchmark::State& state) {
     state.counters["log_per_s"] = logRate;
     state.counters["bare_per_s"] = bareRate;
     state.counters["ratio"] = logRate / bareRate;
-    ::close(descriptor);
-    ::unlink(path.c_str());
     setSwitches(false, false);
 }
 BENCHMARK(BM_LogBesideBareWriteAlternating)->UseRealTime();
