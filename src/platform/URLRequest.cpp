@@ -28,10 +28,9 @@ void URLRequest::setValue(std::optional<std::string> value, std::string_view for
 
 std::optional<std::string> URLRequest::valueForHTTPHeaderField(std::string_view name) const {
     if (!headerFields_) return std::nullopt;
-    for (const auto& [fieldName, value] : *headerFields_) {
-        if (headerNamesEqual(fieldName, name)) return value;
-    }
-    return std::nullopt;
+    const auto value = platform_detail::headerFieldValue(*headerFields_, name);
+    if (!value) return std::nullopt;
+    return std::string(*value);
 }
 
 std::optional<std::map<std::string, std::string>> URLRequest::allHTTPHeaderFields() const {

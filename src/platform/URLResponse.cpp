@@ -9,15 +9,8 @@ namespace vn {
 namespace {
 
 using platform_detail::asciiLowercase;
+using platform_detail::headerFieldValue;
 using platform_detail::headerNamesEqual;
-
-std::optional<std::string_view> headerField(const HTTPURLResponse::HeaderFields& fields,
-                                            std::string_view name) {
-    for (const auto& [fieldName, value] : fields) {
-        if (headerNamesEqual(fieldName, name)) return value;
-    }
-    return std::nullopt;
-}
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
@@ -34,7 +27,7 @@ std::string_view unquoted(std::string_view text) {
 
 // "text/html; charset=utf-8": the media type, lowercased, before the first ";".
 std::optional<std::string> mimeTypeFrom(const HTTPURLResponse::HeaderFields& fields) {
-    const auto contentType = headerField(fields, "Content-Type");
+    const auto contentType = headerFieldValue(fields, "Content-Type");
     if (!contentType) return std::nullopt;
     std::string type(trimmed(contentType->substr(0, contentType->find(';'))));
     if (type.empty()) return std::nullopt;
@@ -44,7 +37,7 @@ std::optional<std::string> mimeTypeFrom(const HTTPURLResponse::HeaderFields& fie
 
 // The "charset" parameter of the Content-Type field, quotes removed.
 std::optional<std::string> charsetFrom(const HTTPURLResponse::HeaderFields& fields) {
-    const auto contentType = headerField(fields, "Content-Type");
+    const auto contentType = headerFieldValue(fields, "Content-Type");
     if (!contentType) return std::nullopt;
     std::string_view parameters = *contentType;
     for (auto separator = parameters.find(';'); separator != std::string_view::npos;
@@ -61,7 +54,7 @@ std::optional<std::string> charsetFrom(const HTTPURLResponse::HeaderFields& fiel
 }
 
 std::int64_t contentLengthFrom(const HTTPURLResponse::HeaderFields& fields) {
-    const auto field = headerField(fields, "Content-Length");
+    const auto field = headerFieldValue(fields, "Content-Length");
     if (!field) return -1;
     const std::string_view digits = trimmed(*field);
     std::int64_t length = -1;
@@ -96,7 +89,7 @@ HTTPURLResponse::HTTPURLResponse(URL url, std::int64_t statusCode, HeaderFields 
       headerFields_(std::move(headerFields)) {}
 
 std::optional<std::string> HTTPURLResponse::valueForHTTPHeaderField(std::string_view name) const {
-    const auto value = headerField(allHeaderFields(), name);
+    const auto value = headerFieldValue(allHeaderFields(), name);
     if (!value) return std::nullopt;
     return std::string(*value);
 }
