@@ -105,6 +105,8 @@
 #include "vn/properties/VNMutablePropertiesObject.h"
 #include "vn/properties/VNPropertiesObject.h"
 
+#include "vn/network/URLError.h"
+
 #include "vn/geometry/CGGeometry.h"
 #include "vn/geometry/Screen.h"
 #include "vn/geometry/VNFrameLayout.h"
