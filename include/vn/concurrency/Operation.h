@@ -109,6 +109,10 @@ class Operation : public Object, public VNCancelableOperation {
     // Later calls do nothing. Synchronous operations are finished by start().
     void finish();
 
+    // Tells the observers of key of a change (synchronously, on the calling thread, with no
+    // lock held). For subclasses whose own state changes must be announced like the base's.
+    void announce(std::string_view key, KeyValueChange change);
+
   private:
     friend class OperationQueue;
 
@@ -124,7 +128,6 @@ class Operation : public Object, public VNCancelableOperation {
 
     bool isReadyLocked() const { return cancelled_ || pendingDependencies_ == 0; }
     bool isWaitingToStartLocked() const { return !started_ && !finished_; }
-    void announce(std::string_view key, KeyValueChange change);
     void announceReadyChange();
     void run();
     // Registers dependent to hear of this operation's end; false when it has ended already.
