@@ -26,9 +26,11 @@ inline constexpr std::int64_t NSURLErrorBadURL = -1000;
 inline constexpr std::int64_t NSURLErrorHTTPTooManyRedirects = -1007;
 inline constexpr std::int64_t NSURLErrorBadServerResponse = -1011;
 inline constexpr std::int64_t NSURLErrorCannotParseResponse = -1017;
+inline constexpr std::int64_t NSURLErrorSecureConnectionFailed = -1200;
 inline constexpr std::int64_t NSURLErrorFileDoesNotExist = -1100;
 inline constexpr std::int64_t NSURLErrorServerCertificateUntrusted = -1202;
 inline constexpr std::int64_t NSURLErrorCannotCreateFile = -3000;
+inline constexpr std::int64_t NSURLErrorCannotWriteToFile = -3003;
 
 inline constexpr std::string_view NSErrorFailingURLStringErrorKey =
     "NSErrorFailingURLStringErrorKey";
