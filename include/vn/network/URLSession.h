@@ -100,6 +100,29 @@ class URLSession : public Object {
     // Null once the session has released it.
     URLSessionDelegatePtr delegate() const;
 
+    // ---- The library's session factories -------------------------------------------------
+    // Every session the library makes for itself is made through vnSessionWithConfiguration,
+    // so that a host can replace or decorate session creation in one place.
+    using SessionFactory =
+        std::function<URLSessionPtr(const URLSessionConfiguration& configuration,
+                                    URLSessionDelegatePtr delegate, ExecutorPtr delegateQueue)>;
+
+    // Calls the current factory; by default sessionWithConfiguration(configuration, delegate,
+    // delegateQueue) unchanged.
+    [[nodiscard]] static URLSessionPtr vnSessionWithConfiguration(
+        const URLSessionConfiguration& configuration, URLSessionDelegatePtr delegate,
+        ExecutorPtr delegateQueue);
+    // The same with no delegate and no delegate queue, through the current factory.
+    [[nodiscard]] static URLSessionPtr vnSessionWithConfiguration(
+        const URLSessionConfiguration& configuration);
+    // Made once, thread-safely, on first use, as vnSessionWithConfiguration(default
+    // configuration); kept for the life of the process.
+    static const URLSessionPtr& vnSharedSession();
+    // Installs factory (null: back to the default) and returns the one it replaces, so that a
+    // decorator can call through to it. Safe from any thread; sessions being made meanwhile
+    // use either.
+    static SessionFactory setVNSessionFactory(SessionFactory factory);
+
     // Closes the connections that the transport keeps open for reuse, once no transfer is in
     // flight; returns whether it did. For hosts that go to the background, and for tests that
     // count open files.
