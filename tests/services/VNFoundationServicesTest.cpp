@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <vector>
 
 #include "services/RecordingAlertService.h"
 #include "vn/services/VNLogAlertMessageService.h"
@@ -75,6 +76,31 @@ TEST_F(VNFoundationServicesTest, ConcurrentFirstReadsAgreeOnOneAlertService) {
     for (auto& thread : threads) thread.join();
     for (const auto& service : seen) EXPECT_EQ(service, seen.front());
     EXPECT_NE(seen.front(), nullptr);
+}
+
+}  // namespace
+}  // namespace vn
+
+namespace vn {
+namespace {
+
+TEST(VNNetworkActivityCounter, CountsPairsFromManyThreadsAndNeverGoesBelowZero) {
+    VNNetworkActivityCounter counter;
+    counter.stopActivity();
+    EXPECT_EQ(counter.activityCount(), 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&counter] {
+            for (int i = 0; i < 1000; ++i) counter.startActivity();
+            for (int i = 0; i < 999; ++i) counter.stopActivity();
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(counter.activityCount(), 8);
+    EXPECT_TRUE(counter.isActive());
+    for (int i = 0; i < 20; ++i) counter.stopActivity();
+    EXPECT_EQ(counter.activityCount(), 0);
+    EXPECT_FALSE(counter.isActive());
 }
 
 }  // namespace
