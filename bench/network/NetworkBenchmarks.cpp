@@ -37,9 +37,13 @@ LoopbackHTTPServer& server() {
     return *instance;
 }
 
-vn::URL urlOf(const std::string& pathAndQuery) { return *vn::URL::URLWithString(server().url(pathAndQuery)); }
+vn::URL urlOf(const std::string& pathAndQuery) {
+    return *vn::URL::URLWithString(server().url(pathAndQuery));
+}
 
-size_t discard(char*, size_t size, size_t count, void*) { return size * count; }
+size_t discard(char*, size_t size, size_t count, void*) {
+    return size * count;
+}
 
 size_t writeToFile(char* data, size_t size, size_t count, void* file) {
     return std::fwrite(data, size, count, static_cast<std::FILE*>(file)) * size;
@@ -64,9 +68,8 @@ void BM_DataTaskNewSessionPerRequest(benchmark::State& state) {
             vn::URLSessionConfiguration::defaultSessionConfiguration());
         std::promise<bool> done;
         session
-            ->dataTaskWithURL(url, [&](std::optional<vn::Data>, vn::URLResponsePtr, vn::ErrorPtr error) {
-                done.set_value(!error);
-            })
+            ->dataTaskWithURL(url, [&](std::optional<vn::Data>, vn::URLResponsePtr,
+                                       vn::ErrorPtr error) { done.set_value(!error); })
             ->resume();
         if (!done.get_future().get()) state.SkipWithError("task failed");
         session->finishTasksAndInvalidate();
@@ -76,10 +79,12 @@ BENCHMARK(BM_DataTaskNewSessionPerRequest)->UseRealTime();
 
 class FinishedFlag : public vn::VNURLRequestOperationDelegate {
   public:
-    void urlRequestOperationDidFinishLoading(const std::shared_ptr<vn::VNURLRequestOperation>&) override {
+    void urlRequestOperationDidFinishLoading(
+        const std::shared_ptr<vn::VNURLRequestOperation>&) override {
         done = true;
     }
-    void urlRequestOperationDidFailLoading(const std::shared_ptr<vn::VNURLRequestOperation>&) override {
+    void urlRequestOperationDidFailLoading(
+        const std::shared_ptr<vn::VNURLRequestOperation>&) override {
         done = failed = true;
     }
     bool done = false;
@@ -140,10 +145,12 @@ void BM_SessionThousandConcurrent(benchmark::State& state) {
         std::promise<void> done;
         for (int i = 0; i < kConcurrent; ++i) {
             session
-                ->dataTaskWithURL(url, [&](std::optional<vn::Data>, vn::URLResponsePtr, vn::ErrorPtr error) {
-                    if (error) failed = true;
-                    if (--pending == 0) done.set_value();
-                })
+                ->dataTaskWithURL(
+                    url,
+                    [&](std::optional<vn::Data>, vn::URLResponsePtr, vn::ErrorPtr error) {
+                        if (error) failed = true;
+                        if (--pending == 0) done.set_value();
+                    })
                 ->resume();
         }
         done.get_future().wait();
@@ -177,9 +184,8 @@ void BM_DownloadTaskFiftyMegabytesToFile(benchmark::State& state) {
     for (auto _ : state) {
         std::promise<bool> done;
         session
-            ->downloadTaskWithURL(url, [&](std::optional<std::string> location, vn::URLResponsePtr, vn::ErrorPtr) {
-                done.set_value(location.has_value());
-            })
+            ->downloadTaskWithURL(url, [&](std::optional<std::string> location, vn::URLResponsePtr,
+                                           vn::ErrorPtr) { done.set_value(location.has_value()); })
             ->resume();
         if (!done.get_future().get()) state.SkipWithError("download failed");
     }

@@ -153,6 +153,7 @@ void TaskDriver::startAttempt() {
 
 void TaskDriver::connect(CURL* easy) {
     easy_ = easy;
+    body_.clear();
     lastActivity_ = Clock::now();
     status_ = 0;
     headerFields_.clear();

@@ -10,8 +10,6 @@ std::int64_t urlErrorCodeForCurlResult(CURLcode result, long osErrno) {
     switch (result) {
         case CURLE_OK:
             return 0;
-        case CURLE_UNSUPPORTED_PROTOCOL:
-            return NSURLErrorUnsupportedURL;
         case CURLE_URL_MALFORMAT:
             return NSURLErrorBadURL;
         case CURLE_COULDNT_RESOLVE_HOST:
@@ -29,6 +27,9 @@ std::int64_t urlErrorCodeForCurlResult(CURLcode result, long osErrno) {
         case CURLE_HTTP2:
         case CURLE_HTTP2_STREAM:
             return NSURLErrorNetworkConnectionLost;
+        // Only http and https URLs reach libcurl, so an unsupported protocol is a reply that is
+        // not HTTP (libcurl takes it for HTTP/0.9 and refuses it).
+        case CURLE_UNSUPPORTED_PROTOCOL:
         case CURLE_WEIRD_SERVER_REPLY:
             return NSURLErrorBadServerResponse;
         case CURLE_BAD_CONTENT_ENCODING:

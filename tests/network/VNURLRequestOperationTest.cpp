@@ -13,6 +13,7 @@
 #include "vn/concurrency/RunLoop.h"
 #include "vn/network/OperationQueueVNFoundation.h"
 #include "vn/network/URLError.h"
+#include "vn/platform/FileSystem.h"
 #include "vn/platform/Thread.h"
 #include "vn/services/VNFoundationServices.h"
 
@@ -23,24 +24,28 @@ using namespace std::chrono_literals;
 using testing::LoopbackHTTPServer;
 using testing::requestFor;
 
-bool pumpMainUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout = 30s) {
+bool pumpMainUntil(const std::function<bool()>& condition,
+                   std::chrono::milliseconds timeout = 30s) {
     return RunLoop::main().runUntil(condition, timeout);
 }
 
 class RecordingOperationDelegate : public VNURLRequestAndParseJsonDelegate {
   public:
-    void urlRequestOperationDidFinishLoading(const std::shared_ptr<VNURLRequestOperation>&) override {
+    void urlRequestOperationDidFinishLoading(
+        const std::shared_ptr<VNURLRequestOperation>&) override {
         record("finished");
     }
     void urlRequestOperationDidFailLoading(const std::shared_ptr<VNURLRequestOperation>&) override {
         record("failed");
     }
-    void parseJsonOperationDidParse(const std::shared_ptr<VNParseJsonOperation>&, const Value& value) override {
+    void parseJsonOperationDidParse(const std::shared_ptr<VNParseJsonOperation>&,
+                                    const Value& value) override {
         record("parsed");
         std::lock_guard lock(mutex_);
         parsed_.push_back(value);
     }
-    void parseJsonOperationDidFail(const std::shared_ptr<VNParseJsonOperation>&, const ErrorPtr&) override {
+    void parseJsonOperationDidFail(const std::shared_ptr<VNParseJsonOperation>&,
+                                   const ErrorPtr&) override {
         record("parse failed");
     }
     std::vector<std::string> calls() const {
@@ -72,33 +77,39 @@ class RecordingOperationDelegate : public VNURLRequestAndParseJsonDelegate {
 // Registers a network-activity counter for the test and removes it afterwards.
 class ActivityCounterScope {
   public:
-    ActivityCounterScope() { VNFoundationServices::registerNetworkActivityIndicatorService(counter_); }
-    ~ActivityCounterScope() { VNFoundationServices::registerNetworkActivityIndicatorService(nullptr); }
+    ActivityCounterScope() {
+        VNFoundationServices::registerNetworkActivityIndicatorService(counter_);
+    }
+    ~ActivityCounterScope() {
+        VNFoundationServices::registerNetworkActivityIndicatorService(nullptr);
+    }
     long count() const { return counter_->activityCount(); }
 
   private:
-    std::shared_ptr<VNNetworkActivityCounter> counter_ = std::make_shared<VNNetworkActivityCounter>();
+    std::shared_ptr<VNNetworkActivityCounter> counter_ =
+        std::make_shared<VNNetworkActivityCounter>();
 };
 
-struct Run {
+struct OperationRun {
     VNURLRequestOperationPtr operation;
     std::shared_ptr<RecordingOperationDelegate> delegate;
 };
 
-Run makeOperation(const std::optional<std::string>& url) {
-    Run run{std::make_shared<VNURLRequestOperation>(), std::make_shared<RecordingOperationDelegate>()};
+OperationRun makeOperation(const std::optional<std::string>& url) {
+    OperationRun run{std::make_shared<VNURLRequestOperation>(),
+                     std::make_shared<RecordingOperationDelegate>()};
     if (url) run.operation->setRequest(requestFor(*url));
     run.operation->setDelegate(run.delegate);
     return run;
 }
 
-void startAndWait(const Run& run) {
+void startAndWait(const OperationRun& run) {
     run.operation->start();
     ASSERT_TRUE(pumpMainUntil([&] { return run.operation->isFinished(); }));
 }
 
 TEST(VNURLRequestOperation, WithoutARequestFinishesAtOnceWithTheDefaultError) {
-    const Run run = makeOperation(std::nullopt);
+    const OperationRun run = makeOperation(std::nullopt);
     EXPECT_TRUE(run.operation->isAsynchronous());
     EXPECT_TRUE(run.operation->isConcurrent());
     EXPECT_TRUE(run.operation->followRedirects());
@@ -114,11 +125,13 @@ TEST(VNURLRequestOperation, WithoutARequestFinishesAtOnceWithTheDefaultError) {
 TEST(VNURLRequestOperation, HTTPErrorStatusesFinishWithSuccessAndTheBody) {
     LoopbackHTTPServer server;
     ActivityCounterScope activity;
-    const Run run = makeOperation(server.url("/status/404"));
+    const OperationRun run = makeOperation(server.url("/status/404"));
     startAndWait(run);
     EXPECT_EQ(run.delegate->calls(), std::vector<std::string>{"finished"});
     EXPECT_FALSE(run.operation->error());
-    EXPECT_EQ(std::dynamic_pointer_cast<const HTTPURLResponse>(run.operation->response())->statusCode(), 404);
+    EXPECT_EQ(
+        std::dynamic_pointer_cast<const HTTPURLResponse>(run.operation->response())->statusCode(),
+        404);
     const auto data = run.operation->data();
     ASSERT_TRUE(data);
     EXPECT_EQ(std::string(data->begin(), data->end()), "status 404");
@@ -130,14 +143,15 @@ TEST(VNURLRequestOperation, HTTPErrorStatusesFinishWithSuccessAndTheBody) {
 
 TEST(VNURLRequestOperation, FileModeFallsBackToMemoryOutside2xx) {
     LoopbackHTTPServer server;
-    const Run run = makeOperation(server.url("/status/500"));
+    const OperationRun run = makeOperation(server.url("/status/500"));
     const std::string path = temporaryDirectory() + "never-written.bin";
     run.operation->setSaveToFilePath(path);
     startAndWait(run);
     EXPECT_EQ(run.delegate->calls(), std::vector<std::string>{"finished"});
     EXPECT_FALSE(run.operation->saveToFilePath());
-    ASSERT_TRUE(run.operation->data());
-    EXPECT_EQ(std::string(run.operation->data()->begin(), run.operation->data()->end()), "status 500");
+    const auto data = run.operation->data();
+    ASSERT_TRUE(data);
+    EXPECT_EQ(std::string(data->begin(), data->end()), "status 500");
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
@@ -145,7 +159,7 @@ TEST(VNURLRequestOperation, DownloadReplacesAnExistingFile) {
     LoopbackHTTPServer server;
     const std::string path = temporaryDirectory() + "download.bin";
     std::ofstream(path) << "old content that is longer than the new one";
-    const Run run = makeOperation(server.url("/bytes?size=26"));
+    const OperationRun run = makeOperation(server.url("/bytes?size=26"));
     run.operation->setSaveToFilePath(path);
     startAndWait(run);
     EXPECT_EQ(run.delegate->calls(), std::vector<std::string>{"finished"});
@@ -160,7 +174,7 @@ TEST(VNURLRequestOperation, RemovalAndMoveFailuresCarryTheirTextsWithThePaths) {
     VNUtilities::setShowDeveloperInfo(true);
     const std::string blocked = temporaryDirectory() + "occupied";
     std::filesystem::create_directories(blocked + "/child");
-    const Run removal = makeOperation(server.url("/bytes?size=10"));
+    const OperationRun removal = makeOperation(server.url("/bytes?size=10"));
     removal.operation->setSaveToFilePath(blocked);
     startAndWait(removal);
     EXPECT_EQ(removal.delegate->calls(), std::vector<std::string>{"failed"});
@@ -168,7 +182,7 @@ TEST(VNURLRequestOperation, RemovalAndMoveFailuresCarryTheirTextsWithThePaths) {
               "URL request operation could not remove file path: '" + blocked + "'");
 
     const std::string unreachable = temporaryDirectory() + "no-folder/file.bin";
-    const Run move = makeOperation(server.url("/bytes?size=10"));
+    const OperationRun move = makeOperation(server.url("/bytes?size=10"));
     move.operation->setSaveToFilePath(unreachable);
     startAndWait(move);
     const std::string text = move.operation->error()->localizedDescription();
@@ -177,7 +191,7 @@ TEST(VNURLRequestOperation, RemovalAndMoveFailuresCarryTheirTextsWithThePaths) {
     ASSERT_TRUE(move.operation->error()->underlyingError());
     EXPECT_EQ(move.operation->error()->underlyingError()->domain(), NSPOSIXErrorDomain);
 
-    const Run emptyPath = makeOperation(server.url("/bytes?size=10"));
+    const OperationRun emptyPath = makeOperation(server.url("/bytes?size=10"));
     emptyPath.operation->setSaveToFilePath("");
     startAndWait(emptyPath);
     EXPECT_EQ(emptyPath.operation->error()->localizedDescription(),
@@ -187,22 +201,26 @@ TEST(VNURLRequestOperation, RemovalAndMoveFailuresCarryTheirTextsWithThePaths) {
 TEST(VNURLRequestOperation, WithoutFollowingOnly301And303AreStopped) {
     LoopbackHTTPServer server;
     for (const long status : {301, 302, 303, 307, 308}) {
-        const Run run = makeOperation(server.url("/redirect/" + std::to_string(status) + "?to=%2Fstatus%2F200"));
+        const OperationRun run = makeOperation(
+            server.url("/redirect/" + std::to_string(status) + "?to=%2Fstatus%2F200"));
         run.operation->setFollowRedirects(false);
         startAndWait(run);
         SCOPED_TRACE(status);
         EXPECT_EQ(run.delegate->calls(), std::vector<std::string>{"finished"});
-        const auto response = std::dynamic_pointer_cast<const HTTPURLResponse>(run.operation->response());
+        const auto response =
+            std::dynamic_pointer_cast<const HTTPURLResponse>(run.operation->response());
         const bool stopped = status == 301 || status == 303;
         EXPECT_EQ(response->statusCode(), stopped ? status : 200);
-        if (stopped) EXPECT_FALSE(run.operation->data());
+        if (stopped) {
+            EXPECT_FALSE(run.operation->data());
+        }
     }
 }
 
 TEST(VNURLRequestOperation, CancelWhileExecutingStaysExecutingAndCallsNoDelegate) {
     LoopbackHTTPServer server;
     ActivityCounterScope activity;
-    const Run run = makeOperation(server.url("/never"));
+    const OperationRun run = makeOperation(server.url("/never"));
     run.operation->start();
     ASSERT_TRUE(server.waitForRequestCount(1, 30s));
     EXPECT_EQ(activity.count(), 1);
@@ -210,7 +228,8 @@ TEST(VNURLRequestOperation, CancelWhileExecutingStaysExecutingAndCallsNoDelegate
     EXPECT_EQ(activity.count(), 0);
     server.releaseStalls();
     // Later session callbacks are foreign and ignored: the main loop turns, nothing happens.
-    EXPECT_FALSE(pumpMainUntil([&] { return run.operation->isFinished() || run.delegate->count() > 0; }, 300ms));
+    EXPECT_FALSE(pumpMainUntil(
+        [&] { return run.operation->isFinished() || run.delegate->count() > 0; }, 300ms));
     EXPECT_TRUE(run.operation->isExecuting());
     EXPECT_TRUE(run.operation->isCancelled());
 }
@@ -218,7 +237,7 @@ TEST(VNURLRequestOperation, CancelWhileExecutingStaysExecutingAndCallsNoDelegate
 TEST(VNURLRequestOperation, CancelledBeforeStartFinishesWithoutNetwork) {
     LoopbackHTTPServer server;
     ActivityCounterScope activity;
-    const Run run = makeOperation(server.url("/status/200"));
+    const OperationRun run = makeOperation(server.url("/status/200"));
     run.operation->cancel();
     run.operation->start();
     EXPECT_TRUE(run.operation->isFinished());
@@ -229,7 +248,8 @@ TEST(VNURLRequestOperation, CancelledBeforeStartFinishesWithoutNetwork) {
 
 TEST(VNURLRequestOperation, ActivityCountReturnsToZeroAfterFailureAndDestruction) {
     ActivityCounterScope activity;
-    const Run failing = makeOperation("http://127.0.0.1:" + std::to_string(testing::closedLoopbackPort()) + "/");
+    const OperationRun failing =
+        makeOperation("http://127.0.0.1:" + std::to_string(testing::closedLoopbackPort()) + "/");
     startAndWait(failing);
     EXPECT_EQ(failing.delegate->calls(), std::vector<std::string>{"failed"});
     EXPECT_EQ(failing.operation->error()->code(), NSURLErrorCannotConnectToHost);
@@ -248,43 +268,50 @@ TEST(VNURLRequestOperation, ActivityCountReturnsToZeroAfterFailureAndDestruction
 
 TEST(VNURLRequestOperation, FinishAnnouncesBothWillsBeforeBothDidsEveryTime) {
     LoopbackHTTPServer server;
-    const Run run = makeOperation(server.url("/status/200"));
+    const OperationRun run = makeOperation(server.url("/status/200"));
     std::vector<std::string> heard;
     std::mutex heardMutex;
-    run.operation->addObserver("", [&](Operation&, std::string_view key, Operation::KeyValueChange change) {
-        if (key != Operation::isExecutingKey && key != Operation::isFinishedKey) return;
-        std::lock_guard lock(heardMutex);
-        heard.push_back(std::string(change == Operation::KeyValueChange::willChange ? "will " : "did ") +
-                        std::string(key));
-    });
+    run.operation->addObserver(
+        "", [&](Operation&, std::string_view key, Operation::KeyValueChange change) {
+            if (key != Operation::isExecutingKey && key != Operation::isFinishedKey) return;
+            std::lock_guard lock(heardMutex);
+            heard.push_back(
+                std::string(change == Operation::KeyValueChange::willChange ? "will " : "did ") +
+                std::string(key));
+        });
     startAndWait(run);
-    const std::vector<std::string> once = {"will isExecuting", "did isExecuting", "will isExecuting",
-                                           "will isFinished",  "did isExecuting", "did isFinished"};
+    const std::vector<std::string> once = {"will isExecuting", "did isExecuting",
+                                           "will isExecuting", "will isFinished",
+                                           "did isExecuting",  "did isFinished"};
     {
         std::lock_guard lock(heardMutex);
         EXPECT_EQ(heard, once);
         heard.clear();
     }
     run.operation->finish();
-    EXPECT_EQ(heard, (std::vector<std::string>{"will isExecuting", "will isFinished", "did isExecuting",
-                                               "did isFinished"}));
+    EXPECT_EQ(heard, (std::vector<std::string>{"will isExecuting", "will isFinished",
+                                               "did isExecuting", "did isFinished"}));
 }
 
 TEST(VNURLRequestOperation, ForeignSessionsAndTasksAreRefused) {
     LoopbackHTTPServer server;
-    const Run run = makeOperation(server.url("/never"));
+    const OperationRun run = makeOperation(server.url("/never"));
     run.operation->start();
     const auto foreignSession = testing::plainSession();
-    const auto foreignTask = foreignSession->dataTaskWithURL(*URL::URLWithString(server.url("/status/200")));
+    const auto foreignTask =
+        foreignSession->dataTaskWithURL(*URL::URLWithString(server.url("/status/200")));
     std::optional<URLSessionResponseDisposition> disposition;
-    run.operation->didReceiveResponse(foreignSession, foreignTask, nullptr,
-                                      [&](URLSessionResponseDisposition answer) { disposition = answer; });
+    run.operation->didReceiveResponse(
+        foreignSession, foreignTask, nullptr,
+        [&](URLSessionResponseDisposition answer) { disposition = answer; });
     EXPECT_EQ(disposition, URLSessionResponseDisposition::cancel);
     std::optional<std::optional<URLRequest>> redirect;
     run.operation->willPerformHTTPRedirection(
         run.operation->urlSession(), foreignTask,
-        std::make_shared<HTTPURLResponse>(*URL::URLWithString(server.url("/")), 302, HTTPURLResponse::HeaderFields{}),
-        requestFor(server.url("/status/200")), [&](std::optional<URLRequest> answer) { redirect = answer; });
+        std::make_shared<HTTPURLResponse>(*URL::URLWithString(server.url("/")), 302,
+                                          HTTPURLResponse::HeaderFields{}),
+        requestFor(server.url("/status/200")),
+        [&](std::optional<URLRequest> answer) { redirect = answer; });
     ASSERT_TRUE(redirect);
     EXPECT_FALSE(*redirect);
     run.operation->didReceiveData(foreignSession, foreignTask, Data{'x'});
@@ -297,7 +324,8 @@ TEST(VNURLRequestOperation, ForeignSessionsAndTasksAreRefused) {
 
 class ChallengeAnsweringOperation : public VNURLRequestOperation {
   public:
-    std::optional<bool> canGetAuthenticationChallengeErrorFromHTTPResonse(const HTTPURLResponse& response) override {
+    std::optional<bool> canGetAuthenticationChallengeErrorFromHTTPResonse(
+        const HTTPURLResponse& response) override {
         return response.statusCode() == 401;
     }
 };
@@ -310,7 +338,8 @@ TEST(VNURLRequestOperation, AChallengeAnswerEndsWithTheResponseAndNoBody) {
     operation->setRequest(requestFor(server.url("/status/401")));
     startAndWait({operation, delegate});
     EXPECT_EQ(delegate->calls(), std::vector<std::string>{"finished"});
-    EXPECT_EQ(std::dynamic_pointer_cast<const HTTPURLResponse>(operation->response())->statusCode(), 401);
+    EXPECT_EQ(std::dynamic_pointer_cast<const HTTPURLResponse>(operation->response())->statusCode(),
+              401);
     EXPECT_FALSE(operation->data());
 }
 
@@ -319,8 +348,9 @@ TEST(VNURLRequestOperation, FailureIsTracedAsARequestFailRecord) {
     testing::ScopedLogState::turnFileOn();
     auto listener = std::make_shared<testing::CapturingLogListener>();
     VNLog::addListener(listener);
-    const std::string url = "http://127.0.0.1:" + std::to_string(testing::closedLoopbackPort()) + "/";
-    const Run run = makeOperation(url);
+    const std::string url =
+        "http://127.0.0.1:" + std::to_string(testing::closedLoopbackPort()) + "/";
+    const OperationRun run = makeOperation(url);
     startAndWait(run);
     VNLog::removeListener(listener);
     bool found = false;
@@ -339,13 +369,15 @@ TEST(URLSessionFactories, ReplacingTheFactoryReachesEveryLibrarySession) {
     std::atomic<int> made{0};
     auto previous = URLSession::setVNSessionFactory(nullptr);
     URLSession::setVNSessionFactory([&, previous](const URLSessionConfiguration& configuration,
-                                                  URLSessionDelegatePtr delegate, ExecutorPtr queue) {
+                                                  URLSessionDelegatePtr delegate,
+                                                  ExecutorPtr queue) {
         ++made;
         return previous(configuration, std::move(delegate), std::move(queue));
     });
-    EXPECT_TRUE(URLSession::vnSessionWithConfiguration(URLSessionConfiguration::defaultSessionConfiguration()));
+    EXPECT_TRUE(URLSession::vnSessionWithConfiguration(
+        URLSessionConfiguration::defaultSessionConfiguration()));
     EXPECT_EQ(made, 1);
-    const Run run = makeOperation(server.url("/status/200"));
+    const OperationRun run = makeOperation(server.url("/status/200"));
     startAndWait(run);
     EXPECT_EQ(made, 2);
     URLSession::setVNSessionFactory(nullptr);
@@ -357,14 +389,17 @@ TEST(VNURLRequestOperationChain, RequestSetterAndParserRunInOrder) {
     auto queue = std::make_shared<OperationQueue>();
     auto delegate = std::make_shared<RecordingOperationDelegate>();
     const auto operations = addURLRequestAndParseJSONOperationsForRequest(
-        *queue, requestFor(server.url("/text?body=%7B%22a%22%3A%5B1%2C2%5D%7D&type=application%2Fjson")), delegate);
+        *queue,
+        requestFor(server.url("/text?body=%7B%22a%22%3A%5B1%2C2%5D%7D&type=application%2Fjson")),
+        delegate);
     ASSERT_TRUE(pumpMainUntil([&] { return delegate->count() == 2; }));
     EXPECT_EQ(delegate->calls(), (std::vector<std::string>{"finished", "parsed"}));
     EXPECT_EQ(operations.parser->value()["a"], Value(Value::Array{Value(1), Value(2)}));
     EXPECT_EQ(operations.setter->dataKeys(), (VNDataSetterOperation::DataKeys{{"data", "data"}}));
 
     auto failing = std::make_shared<RecordingOperationDelegate>();
-    addURLRequestAndParseJSONOperationsForRequest(*queue, requestFor(server.url("/text?body=not%20json")), failing);
+    addURLRequestAndParseJSONOperationsForRequest(
+        *queue, requestFor(server.url("/text?body=not%20json")), failing);
     ASSERT_TRUE(pumpMainUntil([&] { return failing->count() == 2; }));
     EXPECT_EQ(failing->calls(), (std::vector<std::string>{"finished", "parse failed"}));
 }
