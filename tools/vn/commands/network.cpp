@@ -1,4 +1,5 @@
-// vn get: loads a URL through the library's URL session and prints the status, the header
+// vn get: loads a URL through a VNURLRequestOperation (or, with --json, the request → data →
+// JSON chain) and prints the status, the header
 // fields and the body (or where --save put it), or the error; and the tour's section on URL
 // loading, against a loopback server that the tour runs itself.
 #include <arpa/inet.h>
@@ -16,8 +17,15 @@
 #include <thread>
 
 #include "../Registry.h"
-#include "vn/network/URLError.h"
+#include "vn/concurrency/OperationQueue.h"
+#include "vn/concurrency/RunLoop.h"
+#include "vn/log/VNLog.h"
+#include "vn/network/OperationQueueVNFoundation.h"
 #include "vn/network/URLSession.h"
+#include "vn/network/VNURLRequestOperation.h"
+#include "vn/platform/ExecutionEnvironment.h"
+#include "vn/platform/UserDefaults.h"
+#include "vn/values/JSON.h"
 
 namespace {
 
@@ -28,19 +36,56 @@ int runGet(const tool::Arguments& arguments);
 const tool::Command kGet{
     "get",
     "get URL [--method M] [--header \"Name: value\"]... [--data TEXT | --data-file PATH] "
-    "[--save PATH] [--no-follow]",
-    "load URL; print status, header fields and body (or the saved path), or the error", runGet};
+    "[--save PATH] [--no-follow] [--trace] [--json]",
+    "load URL with a request operation; print status, header fields and body (or the saved "
+    "path, or the parsed JSON), or the error",
+    runGet};
 
 struct GetOptions {
     URLRequest request;
-    std::optional<std::string> dataFile;
     std::optional<std::string> savePath;
     bool follow = true;
+    bool trace = false;
+    bool json = false;
 };
+
+std::optional<Data> readWholeFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::nullopt;
+    return Data(std::istreambuf_iterator<char>(in), {});
+}
+
+// Applies one option with its value to options; false when the option is unknown or the value
+// unusable.
+bool applyGetOption(const std::string& flag, const std::string& value, GetOptions& options) {
+    if (flag == "--method") {
+        options.request.setHTTPMethod(value);
+    } else if (flag == "--header") {
+        const auto colon = value.find(':');
+        if (colon == std::string::npos || colon == 0) return false;
+        const auto start = value.find_first_not_of(' ', colon + 1);
+        options.request.setValue(start == std::string::npos ? "" : value.substr(start),
+                                 value.substr(0, colon));
+    } else if (flag == "--data" || flag == "--data-file") {
+        const auto body = flag == "--data" ? std::optional<Data>(Data(value.begin(), value.end()))
+                                           : readWholeFile(value);
+        if (!body) {
+            std::fprintf(stderr, "vn get: cannot read %s\n", value.c_str());
+            return false;
+        }
+        options.request.setHTTPBody(*body);
+        if (options.request.httpMethod() == "GET") options.request.setHTTPMethod("POST");
+    } else if (flag == "--save") {
+        options.savePath = value;
+    } else {
+        return false;
+    }
+    return true;
+}
 
 // Reads the command line into options; false on a mistake.
 bool parseGetArguments(const tool::Arguments& arguments, GetOptions& options) {
-    if (arguments.empty()) return false;
+    if (arguments.empty() || arguments.front() == "--help") return false;
     const auto url = URL::URLWithString(arguments.front());
     if (!url) {
         std::fprintf(stderr, "vn get: not a URL: %s\n", arguments.front().c_str());
@@ -51,54 +96,50 @@ bool parseGetArguments(const tool::Arguments& arguments, GetOptions& options) {
         const std::string& flag = arguments[i];
         if (flag == "--no-follow") {
             options.follow = false;
-            continue;
-        }
-        if (i + 1 >= arguments.size()) return false;
-        const std::string& value = arguments[++i];
-        if (flag == "--method") {
-            options.request.setHTTPMethod(value);
-        } else if (flag == "--header") {
-            const auto colon = value.find(':');
-            if (colon == std::string::npos) return false;
-            const auto start = value.find_first_not_of(' ', colon + 1);
-            options.request.setValue(start == std::string::npos ? "" : value.substr(start),
-                                     value.substr(0, colon));
-        } else if (flag == "--data") {
-            options.request.setHTTPBody(Data(value.begin(), value.end()));
-            if (options.request.httpMethod() == "GET") options.request.setHTTPMethod("POST");
-        } else if (flag == "--data-file") {
-            options.dataFile = value;
-            if (options.request.httpMethod() == "GET") options.request.setHTTPMethod("POST");
-        } else if (flag == "--save") {
-            options.savePath = value;
-        } else {
+        } else if (flag == "--trace") {
+            options.trace = true;
+        } else if (flag == "--json") {
+            options.json = true;
+        } else if (i + 1 >= arguments.size() || !applyGetOption(flag, arguments[++i], options)) {
             return false;
         }
     }
-    return true;
+    return !(options.json && options.savePath);
 }
 
-// Stops every redirect when --no-follow is given.
-class RedirectPolicy final : public URLSessionDelegate {
+// Traces requests, responses and bodies to the console.
+void turnTracingOn() {
+    VNUtilities::setShowDeveloperInfo(true);
+    UserDefaults& defaults = UserDefaults::standard();
+    for (const auto key : {VNLog::logEnabledPreferenceKey, VNLog::logRequestsPreferenceKey,
+                           VNLog::logResponsesPreferenceKey, VNLog::logResponsesBodyPreferenceKey})
+        defaults.setBool(true, key);
+}
+
+// Hears both operations of a request → JSON chain, on the main thread.
+class GetDelegate final : public VNURLRequestAndParseJsonDelegate {
   public:
-    explicit RedirectPolicy(bool follow) : follow_(follow) {}
-    void willPerformHTTPRedirection(const std::shared_ptr<URLSession>&,
-                                    const std::shared_ptr<URLSessionTask>&,
-                                    const HTTPURLResponsePtr&, URLRequest newRequest,
-                                    RedirectCompletion completionHandler) override {
-        completionHandler(follow_ ? std::optional<URLRequest>(std::move(newRequest))
-                                  : std::nullopt);
+    void urlRequestOperationDidFinishLoading(
+        const std::shared_ptr<VNURLRequestOperation>&) override {
+        loaded = true;
     }
-
-  private:
-    bool follow_;
-};
-
-struct Outcome {
-    std::optional<Data> data;
-    std::optional<std::string> savedTo;
-    URLResponsePtr response;
-    ErrorPtr error;
+    void urlRequestOperationDidFailLoading(const std::shared_ptr<VNURLRequestOperation>&) override {
+        loaded = true;
+    }
+    void parseJsonOperationDidParse(const std::shared_ptr<VNParseJsonOperation>&,
+                                    const Value& value) override {
+        parsed = value;
+        parseDone = true;
+    }
+    void parseJsonOperationDidFail(const std::shared_ptr<VNParseJsonOperation>&,
+                                   const ErrorPtr& error) override {
+        parseError = error;
+        parseDone = true;
+    }
+    bool loaded = false;
+    bool parseDone = false;
+    Value parsed;
+    ErrorPtr parseError;
 };
 
 void showProgress(const URLSessionTask& task) {
@@ -114,78 +155,78 @@ void showProgress(const URLSessionTask& task) {
     }
 }
 
-Outcome load(const GetOptions& options) {
-    auto session = URLSession::sessionWithConfiguration(
-        URLSessionConfiguration::defaultSessionConfiguration(),
-        std::make_shared<RedirectPolicy>(options.follow), nullptr);
-    std::promise<Outcome> promise;
-    URLSessionTaskPtr task;
-    if (options.savePath) {
-        task = session->downloadTaskWithRequest(
-            options.request,
-            [&](std::optional<std::string> location, URLResponsePtr response, ErrorPtr error) {
-                Outcome outcome{std::nullopt, std::nullopt, std::move(response), std::move(error)};
-                std::error_code failed;
-                if (location)
-                    std::filesystem::copy_file(*location, *options.savePath,
-                                               std::filesystem::copy_options::overwrite_existing,
-                                               failed);
-                if (location && !failed) outcome.savedTo = options.savePath;
-                if (location && failed && !outcome.error)
-                    outcome.error = URLError(NSURLErrorCannotCreateFile, *options.savePath);
-                promise.set_value(std::move(outcome));
-            });
-    } else {
-        auto completion = [&](std::optional<Data> data, URLResponsePtr response, ErrorPtr error) {
-            promise.set_value(
-                Outcome{std::move(data), std::nullopt, std::move(response), std::move(error)});
-        };
-        task = options.dataFile
-                   ? URLSessionTaskPtr(session->uploadTaskWithRequest(
-                         options.request, *URL::URLWithString("file://" + *options.dataFile),
-                         completion))
-                   : URLSessionTaskPtr(session->dataTaskWithRequest(options.request, completion));
+// Turns the main run loop until done() holds, showing the download's progress on a terminal.
+void pumpUntil(const std::function<bool()>& done, const VNURLRequestOperation& operation,
+               bool showsProgress) {
+    while (!RunLoop::main().runUntil(done, std::chrono::milliseconds(100))) {
+        if (!showsProgress) continue;
+        if (const auto task = operation.sessionTask()) showProgress(*task);
     }
-    task->resume();
-    auto future = promise.get_future();
-    const bool progress = options.savePath && isatty(STDERR_FILENO);
-    while (future.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-        if (progress) showProgress(*task);
-    }
-    if (progress) std::fprintf(stderr, "\n");
-    session->finishTasksAndInvalidate();
-    return future.get();
+    if (showsProgress) std::fprintf(stderr, "\n");
 }
 
-int printOutcome(const Outcome& outcome) {
-    if (outcome.error) {
-        std::printf("error: domain %s code %lld: %s\n", outcome.error->domain().c_str(),
-                    static_cast<long long>(outcome.error->code()),
-                    outcome.error->localizedDescription().c_str());
-        return 1;
-    }
-    if (const auto http = std::dynamic_pointer_cast<const HTTPURLResponse>(outcome.response)) {
-        std::printf("status %lld\n", static_cast<long long>(http->statusCode()));
-        for (const auto& [name, value] : http->allHeaderFields())
-            std::printf("%s: %s\n", name.c_str(), value.c_str());
-        std::printf("\n");
-    }
-    if (outcome.savedTo) {
-        std::printf("saved to %s\n", outcome.savedTo->c_str());
-    } else if (outcome.data) {
-        std::fwrite(outcome.data->data(), 1, outcome.data->size(), stdout);
-        if (!outcome.data->empty() && outcome.data->back() != '\n') std::printf("\n");
+int printError(const ErrorPtr& error) {
+    std::printf("error: domain %s code %lld: %s\n", error->domain().c_str(),
+                static_cast<long long>(error->code()), error->localizedDescription().c_str());
+    return 1;
+}
+
+void printResponseHead(const URLResponsePtr& response) {
+    const auto http = std::dynamic_pointer_cast<const HTTPURLResponse>(response);
+    if (!http) return;
+    std::printf("status %lld\n", static_cast<long long>(http->statusCode()));
+    for (const auto& [name, value] : http->allHeaderFields())
+        std::printf("%s: %s\n", name.c_str(), value.c_str());
+    std::printf("\n");
+}
+
+int printOutcome(const VNURLRequestOperation& operation) {
+    if (const ErrorPtr error = operation.error()) return printError(error);
+    printResponseHead(operation.response());
+    if (const auto path = operation.saveToFilePath()) {
+        std::printf("saved to %s\n", path->c_str());
+    } else if (const auto data = operation.data()) {
+        std::fwrite(data->data(), 1, data->size(), stdout);
+        if (!data->empty() && data->back() != '\n') std::printf("\n");
     }
     return 0;
+}
+
+int runJSONChain(const GetOptions& options) {
+    auto queue = std::make_shared<OperationQueue>();
+    auto delegate = std::make_shared<GetDelegate>();
+    const auto chain =
+        addURLRequestAndParseJSONOperationsForRequest(*queue, options.request, delegate);
+    chain.request->setFollowRedirects(options.follow);
+    pumpUntil([&] { return delegate->parseDone; }, *chain.request, false);
+    if (const ErrorPtr error = chain.request->error()) return printError(error);
+    printResponseHead(chain.request->response());
+    if (delegate->parseError) return printError(delegate->parseError);
+    std::printf("%s\n", jsonString(delegate->parsed, JSONWritingStyle::pretty).c_str());
+    return 0;
+}
+
+// Runs a request operation for options to its end, on this (the main) thread's run loop.
+VNURLRequestOperationPtr performRequest(const GetOptions& options) {
+    auto operation = std::make_shared<VNURLRequestOperation>();
+    auto delegate = std::make_shared<GetDelegate>();
+    operation->setRequest(options.request);
+    operation->setFollowRedirects(options.follow);
+    operation->setDelegate(delegate);
+    if (options.savePath)
+        operation->setSaveToFilePath(std::filesystem::absolute(*options.savePath).string());
+    operation->start();
+    pumpUntil([&] { return delegate->loaded; }, *operation,
+              options.savePath && isatty(STDERR_FILENO));
+    return operation;
 }
 
 int runGet(const tool::Arguments& arguments) {
     GetOptions options;
     if (!parseGetArguments(arguments, options)) return tool::usageError(kGet);
-    if (options.dataFile) {
-        options.dataFile = std::filesystem::absolute(*options.dataFile).string();
-    }
-    return printOutcome(load(options));
+    if (options.trace) turnTracingOn();
+    if (options.json) return runJSONChain(options);
+    return printOutcome(*performRequest(options));
 }
 
 // A one-request HTTP server on 127.0.0.1, for the tour: answers the first request it gets
@@ -236,21 +277,20 @@ class TourServer {
     std::thread thread_;
 };
 
-void printTourOutcome(const Outcome& outcome) {
-    if (outcome.error) {
-        std::printf("  error %s %lld: %s\n", outcome.error->domain().c_str(),
-                    static_cast<long long>(outcome.error->code()),
-                    outcome.error->localizedDescription().c_str());
+void printTourOutcome(const VNURLRequestOperation& operation) {
+    if (const ErrorPtr error = operation.error()) {
+        std::printf("  error %s %lld: %s\n", error->domain().c_str(),
+                    static_cast<long long>(error->code()), error->localizedDescription().c_str());
         return;
     }
-    if (const auto http = std::dynamic_pointer_cast<const HTTPURLResponse>(outcome.response)) {
+    if (const auto http = std::dynamic_pointer_cast<const HTTPURLResponse>(operation.response())) {
         std::printf(
             "  status %lld, MIME type %s, charset %s\n", static_cast<long long>(http->statusCode()),
             http->mimeType().value_or("?").c_str(), http->textEncodingName().value_or("?").c_str());
     }
-    if (outcome.data)
-        std::printf("  body %.*s\n", static_cast<int>(outcome.data->size()),
-                    reinterpret_cast<const char*>(outcome.data->data()));
+    if (const auto data = operation.data())
+        std::printf("  body %.*s\n", static_cast<int>(data->size()),
+                    reinterpret_cast<const char*>(data->data()));
 }
 
 void showNetworkTour() {
@@ -265,11 +305,11 @@ void showNetworkTour() {
             *URL::URLWithString("http://127.0.0.1:" + std::to_string(server.port()) + "/hello"));
         std::printf("GET %s (a server the tour runs)\n",
                     options.request.url()->absoluteString().c_str());
-        printTourOutcome(load(options));
+        printTourOutcome(*performRequest(options));
     }
     std::printf("GET %s again, now that the server has stopped\n",
                 options.request.url()->absoluteString().c_str());
-    printTourOutcome(load(options));
+    printTourOutcome(*performRequest(options));
 }
 
 const tool::CommandRegistration kGetRegistration{kGet};
