@@ -94,8 +94,8 @@ std::vector<std::pair<std::string, std::string>> headerFields(std::string_view h
         head.remove_prefix(lineEnd == std::string_view::npos ? head.size() : lineEnd + 1);
         if (line.ends_with('\r')) line.remove_suffix(1);
         if (std::exchange(requestLine, false)) continue;
-        const auto colon = line.find(':');
         if (line.empty()) break;
+        const auto colon = line.find(':');
         if (colon == std::string_view::npos) continue;
         fields.emplace_back(std::string(line.substr(0, colon)),
                             std::string(trimmed(line.substr(colon + 1))));

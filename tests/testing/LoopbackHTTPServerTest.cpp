@@ -391,6 +391,19 @@ TEST(LoopbackHTTPServer, EchoRouteReturnsTheBodyTypeMethodAndQuery) {
     EXPECT_EQ(got->get_header_value("X-Echo-Method"), "GET");
 }
 
+TEST(LoopbackHTTPServer, AnswersExpectContinueBeforeTheBody) {
+    LoopbackHTTPServer server;
+    RawTestClient wire(server.port());
+    wire.send(
+        "PUT /echo HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 4\r\n"
+        "Expect: 100-continue\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(wire.readThrough("\r\n\r\n"), "HTTP/1.1 100 Continue\r\n\r\n");
+    wire.send("data");
+    EXPECT_THAT(wire.readThrough("\r\n\r\n"), StartsWith("HTTP/1.1 200 OK\r\n"));
+    EXPECT_EQ(wire.readToEnd().received, "data");
+    EXPECT_EQ(server.requests().at(0).body, "data");
+}
+
 TEST(LoopbackHTTPServer, RecordsEveryRequestInArrivalOrder) {
     LoopbackHTTPServer server;
     auto client = clientFor(server);
