@@ -549,6 +549,8 @@ TEST(LoopbackHTTPServer, ReleasingLeavesLaterRequestsStalled) {
     ASSERT_TRUE(server.waitForRequestCount(1, kDeadline));
     server.releaseStalls();
     EXPECT_EQ(first.readThrough("abcdefghij").substr(0, 15), "HTTP/1.1 200 OK");
+    // Bytes count once written, which may be just after the client read them.
+    ASSERT_TRUE(server.waitForBodyBytesSent(10, kDeadline));
 
     RawTestClient second(server.port());
     second.send(getRequest("/headers-then-stall"));
