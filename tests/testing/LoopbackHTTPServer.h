@@ -63,6 +63,8 @@
 #include <string_view>
 #include <vector>
 
+// The raw fault server and closedLoopbackPort() come with this header, so that one include
+// gives a network test every loopback server.
 #include "testing/RawLoopbackServer.h"
 #include "testing/RecordedRequest.h"
 

@@ -37,16 +37,20 @@ constexpr auto kDestructionDeadline = std::chrono::seconds(20);
 // fail that write, not kill the test program.
 const auto previousSIGPIPEHandler = std::signal(SIGPIPE, SIG_IGN);
 
-httplib::Client clientFor(const LoopbackHTTPServer& server) {
-    httplib::Client client(server.baseURL());
+httplib::Client clientFor(const std::string& baseURL, const std::string& caCertificatePath) {
+    httplib::Client client(baseURL);
     client.set_connection_timeout(kDeadline);
     client.set_read_timeout(kDeadline);
     client.set_write_timeout(kDeadline);
-    if (!server.caCertificatePath().empty()) {
-        client.set_ca_cert_path(server.caCertificatePath());
+    if (!caCertificatePath.empty()) {
+        client.set_ca_cert_path(caCertificatePath);
         client.enable_server_certificate_verification(true);
     }
     return client;
+}
+
+httplib::Client clientFor(const LoopbackHTTPServer& server) {
+    return clientFor(server.baseURL(), server.caCertificatePath());
 }
 
 // Checks streamed bytes against the generated pattern without keeping them.
@@ -664,10 +668,12 @@ TEST(LoopbackHTTPServer, LeavesNoDescriptorOpen) {
         auto client = clientFor(*server);
         client.set_keep_alive(true);
         ASSERT_TRUE(client.Get("/bytes?size=100000"));
-        auto stalled = std::async(std::launch::async, [&server] {
-            auto client = clientFor(*server);
-            return client.Get("/never").error();
-        });
+        // The client thread must not touch the server, which is destroyed while it waits.
+        auto stalled = std::async(std::launch::async,
+                                  [url = server->baseURL(), ca = server->caCertificatePath()] {
+                                      auto client = clientFor(url, ca);
+                                      return client.Get("/never").error();
+                                  });
         ASSERT_TRUE(server->waitForRequestCount(2, kDeadline));
         destroyWithin(std::move(server));
         EXPECT_NE(stalled.get(), httplib::Error::Success);
