@@ -349,10 +349,12 @@ LoopbackHTTPServer::Options LoopbackHTTPServer::Impl::validated(Options options)
 
 void LoopbackHTTPServer::Impl::configureLibraryServer() {
     auto& server = *library_.server;
-    // The library applies these to accepted sockets (SO_RCVTIMEO, SO_SNDTIMEO); the
-    // connections themselves wait with kConnectionTimeout.
+    // The library applies these to accepted sockets (SO_RCVTIMEO, SO_SNDTIMEO) and announces
+    // the keep-alive ones in responses; the connections themselves keep to the same values.
     server.set_read_timeout(kConnectionTimeout);
     server.set_write_timeout(kConnectionTimeout);
+    server.set_keep_alive_timeout(kConnectionTimeout.count());
+    server.set_keep_alive_max_count(kRequestsPerConnection);
     const httplib::Server::Handler handler = [this](const httplib::Request& request,
                                                     httplib::Response& response) {
         handle(request, response);
