@@ -1,9 +1,11 @@
 // A real HTTP/1.1 (or HTTPS) server on 127.0.0.1 for the network tests, with fixed routes for
 // statuses, redirects, large and stalled bodies, echoes and never-answered requests. It
 // records every request and lets tests wait, with deadlines, for requests and for body bytes
-// to have left it. Built on cpp-httplib with a pool of worker threads, one connection per
-// worker at a time. It depends only on the standard library, cpp-httplib and POSIX, so any
-// test program may link it (target vn_testing_http).
+// to have left it. cpp-httplib parses the requests and writes the responses on a pool of
+// worker threads, one connection per worker at a time; the server reads and writes the
+// connections itself, so it records header fields exactly as sent and its destructor never
+// waits for a time-out. It depends only on the standard library, cpp-httplib, OpenSSL and
+// POSIX, so any test program may link it (target vn_testing_http).
 //
 // Routes (same behaviour for GET, HEAD, POST, PUT, PATCH, DELETE and OPTIONS; HEAD gets the
 // GET headers without the body; every response carries Content-Length unless it is chunked):
@@ -33,8 +35,9 @@
 //                              destruction it ends the connection without the body.
 //   anything else              404 "no route for <path>"; bad parameters give 400.
 // Bytes written by /bytes and /headers-then-stall count towards bodyBytesSent().
-// Request bodies are read for POST, PUT, PATCH and for DELETE with Content-Length (the HTTP
-// library ignores a body on other methods). Responses are never compressed unless
+// Request bodies (with Content-Length or chunked) are read for POST, PUT, PATCH and for DELETE
+// with Content-Length: the HTTP library takes no body on other methods. "Expect: 100-continue"
+// is answered with "100 Continue". Responses are never compressed unless
 // Options::compression is set; then text and JSON responses are gzip- or brotli-encoded when
 // the client accepts it.
 //
@@ -44,6 +47,9 @@
 //
 // Side effect: the server's threads block SIGPIPE (a write to a closed connection fails with
 // EPIPE instead of killing the process); the process's signal disposition is left alone.
+//
+// Note for tests that use cpp-httplib's own client: it percent-decodes the values of response
+// header fields ("%2F" in a Location reads as "/"); RawTestClient shows them as sent.
 //
 // Thread safety: every member may be called from any thread at once, except the destructor.
 #pragma once
@@ -57,6 +63,8 @@
 #include <string_view>
 #include <vector>
 
+// The raw fault server and closedLoopbackPort() come with this header, so that one include
+// gives a network test every loopback server.
 #include "testing/RawLoopbackServer.h"
 #include "testing/RecordedRequest.h"
 

@@ -37,16 +37,20 @@ constexpr auto kDestructionDeadline = std::chrono::seconds(20);
 // fail that write, not kill the test program.
 const auto previousSIGPIPEHandler = std::signal(SIGPIPE, SIG_IGN);
 
-httplib::Client clientFor(const LoopbackHTTPServer& server) {
-    httplib::Client client(server.baseURL());
+httplib::Client clientFor(const std::string& baseURL, const std::string& caCertificatePath) {
+    httplib::Client client(baseURL);
     client.set_connection_timeout(kDeadline);
     client.set_read_timeout(kDeadline);
     client.set_write_timeout(kDeadline);
-    if (!server.caCertificatePath().empty()) {
-        client.set_ca_cert_path(server.caCertificatePath());
+    if (!caCertificatePath.empty()) {
+        client.set_ca_cert_path(caCertificatePath);
         client.enable_server_certificate_verification(true);
     }
     return client;
+}
+
+httplib::Client clientFor(const LoopbackHTTPServer& server) {
+    return clientFor(server.baseURL(), server.caCertificatePath());
 }
 
 // Checks streamed bytes against the generated pattern without keeping them.
@@ -391,6 +395,19 @@ TEST(LoopbackHTTPServer, EchoRouteReturnsTheBodyTypeMethodAndQuery) {
     EXPECT_EQ(got->get_header_value("X-Echo-Method"), "GET");
 }
 
+TEST(LoopbackHTTPServer, AnswersExpectContinueBeforeTheBody) {
+    LoopbackHTTPServer server;
+    RawTestClient wire(server.port());
+    wire.send(
+        "PUT /echo HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 4\r\n"
+        "Expect: 100-continue\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(wire.readThrough("\r\n\r\n"), "HTTP/1.1 100 Continue\r\n\r\n");
+    wire.send("data");
+    EXPECT_THAT(wire.readThrough("\r\n\r\n"), StartsWith("HTTP/1.1 200 OK\r\n"));
+    EXPECT_EQ(wire.readToEnd().received, "data");
+    EXPECT_EQ(server.requests().at(0).body, "data");
+}
+
 TEST(LoopbackHTTPServer, RecordsEveryRequestInArrivalOrder) {
     LoopbackHTTPServer server;
     auto client = clientFor(server);
@@ -536,6 +553,8 @@ TEST(LoopbackHTTPServer, ReleasingLeavesLaterRequestsStalled) {
     ASSERT_TRUE(server.waitForRequestCount(1, kDeadline));
     server.releaseStalls();
     EXPECT_EQ(first.readThrough("abcdefghij").substr(0, 15), "HTTP/1.1 200 OK");
+    // Bytes count once written, which may be just after the client read them.
+    ASSERT_TRUE(server.waitForBodyBytesSent(10, kDeadline));
 
     RawTestClient second(server.port());
     second.send(getRequest("/headers-then-stall"));
@@ -649,10 +668,12 @@ TEST(LoopbackHTTPServer, LeavesNoDescriptorOpen) {
         auto client = clientFor(*server);
         client.set_keep_alive(true);
         ASSERT_TRUE(client.Get("/bytes?size=100000"));
-        auto stalled = std::async(std::launch::async, [&server] {
-            auto client = clientFor(*server);
-            return client.Get("/never").error();
-        });
+        // The client thread must not touch the server, which is destroyed while it waits.
+        auto stalled = std::async(std::launch::async,
+                                  [url = server->baseURL(), ca = server->caCertificatePath()] {
+                                      auto client = clientFor(url, ca);
+                                      return client.Get("/never").error();
+                                  });
         ASSERT_TRUE(server->waitForRequestCount(2, kDeadline));
         destroyWithin(std::move(server));
         EXPECT_NE(stalled.get(), httplib::Error::Success);

@@ -31,9 +31,4 @@ void StallGate::stop() {
     changed_.notify_all();
 }
 
-bool StallGate::stopping() const {
-    std::lock_guard lock(mutex_);
-    return stopping_;
-}
-
 }  // namespace vn::testing

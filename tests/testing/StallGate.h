@@ -24,7 +24,6 @@ class StallGate {
     void releaseBelow(std::size_t requestCount);
     // Lets every present and future waiter go at once. Irreversible.
     void stop();
-    [[nodiscard]] bool stopping() const;
 
   private:
     mutable std::mutex mutex_;
