@@ -105,6 +105,7 @@
 #include "vn/properties/VNMutablePropertiesObject.h"
 #include "vn/properties/VNPropertiesObject.h"
 
+#include "vn/network/Base64.h"
 #include "vn/network/URLError.h"
 
 #include "vn/geometry/CGGeometry.h"
