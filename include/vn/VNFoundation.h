@@ -106,6 +106,7 @@
 #include "vn/properties/VNPropertiesObject.h"
 
 #include "vn/network/Base64.h"
+#include "vn/network/OAuth.h"
 #include "vn/network/OAuthHelpers.h"
 #include "vn/network/URLError.h"
 
