@@ -109,6 +109,8 @@
 #include "vn/network/OAuth.h"
 #include "vn/network/OAuthHelpers.h"
 #include "vn/network/URLError.h"
+#include "vn/network/VNHTTPWarningHeader.h"
+#include "vn/network/VNUtilitiesHTTP.h"
 
 #include "vn/geometry/CGGeometry.h"
 #include "vn/geometry/Screen.h"
