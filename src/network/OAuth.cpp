@@ -1,9 +1,12 @@
 #include "vn/network/OAuth.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
+#include <vector>
 
 #include "network/HMACSHA1.h"
+#include "network/QueryParameters.h"
 #include "vn/network/Base64.h"
 #include "vn/platform/StringEncoding.h"
 
@@ -24,30 +27,54 @@ URLQueryDictionary protocolParameters(std::string_view consumerKey,
     return parameters;
 }
 
-void overwrite(URLQueryDictionary& parameters, URLQueryDictionary&& later) {
-    for (auto& [name, value] : later) parameters.insert_or_assign(name, std::move(value));
-}
+using ParameterList = std::vector<std::pair<std::string, std::string>>;
 
-URLQueryDictionary signedParameters(const URLQueryDictionary& protocol, const URL& url,
-                                    const std::optional<Data>& body) {
-    URLQueryDictionary parameters = protocol;
-    if (url.query()) overwrite(parameters, ab_parseURLQueryString(*url.query()));
+// The query's parameters, then the body's when it is UTF-8 text, duplicates included.
+ParameterList receivedParameters(const URL& url, const std::optional<Data>& body) {
+    ParameterList parameters;
+    const auto add = [&](std::string name, std::string value) {
+        parameters.emplace_back(std::move(name), std::move(value));
+    };
+    if (url.query()) network_detail::readURLQueryParameters(*url.query(), add);
     if (body) {
         if (const std::optional<std::string> text = stringFromData(*body, NSUTF8StringEncoding))
-            overwrite(parameters, ab_parseURLQueryString(*text));
+            network_detail::readURLQueryParameters(*text, add);
     }
     return parameters;
 }
 
-// A dictionary has one value per name, so ordering by name alone is the full order by name
-// and then value.
-std::string parameterString(const URLQueryDictionary& parameters) {
+// One parameter taking part in the signature; `order` ranks its source (protocol, query,
+// body) and its place in it, so that the last of equal names is the one that counts.
+struct SignedParameter {
+    std::string_view name;
+    std::string_view value;
+    std::size_t order;
+};
+
+// The protocol and received parameters in byte order of their names, a later parameter
+// replacing an earlier one of the same name (one value per name, so ordering by name alone is
+// the full order by name and then value), each value encoded. The signature is computed on
+// every request: views sorted in place spare copying and moving the texts themselves.
+std::string parameterString(const URLQueryDictionary& protocol, const ParameterList& received) {
+    std::vector<SignedParameter> parameters;
+    parameters.reserve(protocol.size() + received.size());
+    for (const auto& [name, value] : protocol)
+        parameters.push_back({name, value, parameters.size()});
+    for (const auto& [name, value] : received)
+        parameters.push_back({name, value, parameters.size()});
+    std::sort(parameters.begin(), parameters.end(), [](const auto& left, const auto& right) {
+        const int byName = left.name.compare(right.name);
+        return byName != 0 ? byName < 0 : left.order < right.order;
+    });
     std::string text;
-    for (const auto& [name, value] : parameters) {
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const bool replacedByNext =
+            i + 1 < parameters.size() && parameters[i + 1].name == parameters[i].name;
+        if (replacedByNext) continue;
         if (!text.empty()) text += '&';
-        text += name;
+        text += parameters[i].name;
         text += '=';
-        text += ab_RFC3986EncodedString(value);
+        text += ab_RFC3986EncodedString(parameters[i].value);
     }
     return text;
 }
@@ -93,10 +120,13 @@ std::optional<OAuthSignedRequest> OAuthSignRequest(const URL& url, std::string_v
 
     OAuthSignedRequest request;
     request.protocolParameters = protocolParameters(consumerKey, token, nonce, timestamp);
-    request.signatureBaseString =
-        ab_RFC3986EncodedString(method) + '&' + ab_RFC3986EncodedString(*base) + '&' +
-        ab_RFC3986EncodedString(
-            parameterString(signedParameters(request.protocolParameters, url, body)));
+    std::string& baseString = request.signatureBaseString;
+    baseString = ab_RFC3986EncodedString(method);
+    baseString += '&';
+    baseString += ab_RFC3986EncodedString(*base);
+    baseString += '&';
+    baseString += ab_RFC3986EncodedString(
+        parameterString(request.protocolParameters, receivedParameters(url, body)));
     request.signingKey = ab_RFC3986EncodedString(consumerSecret) + '&' +
                          ab_RFC3986EncodedString(tokenSecret.value_or(std::string_view()));
 

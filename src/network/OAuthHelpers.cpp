@@ -2,12 +2,10 @@
 
 #include <uuid/uuid.h>
 
-#include <algorithm>
 #include <array>
-#include <optional>
 #include <utility>
 
-#include "network/PercentDecoding.h"
+#include "network/QueryParameters.h"
 #include "vn/formatting/StringUtilities.h"
 
 namespace vn {
@@ -27,22 +25,9 @@ std::string ab_GUID() {
 
 URLQueryDictionary ab_parseURLQueryString(std::string_view query) {
     URLQueryDictionary parameters;
-    std::size_t start = 0;
-    while (start <= query.size()) {
-        const std::size_t ampersand = std::min(query.find('&', start), query.size());
-        const std::string_view piece = query.substr(start, ampersand - start);
-        start = ampersand + 1;
-        if (piece.empty()) continue;
-        const std::size_t equals = piece.find('=');
-        std::optional<std::string> name =
-            network_detail::removingPercentEncoding(piece.substr(0, equals));
-        std::optional<std::string> value =
-            equals == std::string_view::npos
-                ? std::string()
-                : network_detail::removingPercentEncoding(piece.substr(equals + 1));
-        if (!name || name->empty() || !value) continue;
-        parameters.insert_or_assign(std::move(*name), std::move(*value));
-    }
+    network_detail::readURLQueryParameters(query, [&](std::string name, std::string value) {
+        parameters.insert_or_assign(std::move(name), std::move(value));
+    });
     return parameters;
 }
 

@@ -1,5 +1,6 @@
 #include "network/PercentDecoding.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "vn/formatting/StringUtilities.h"
@@ -22,6 +23,9 @@ bool everyPercentStartsAnEscape(std::string_view text) {
 }  // namespace
 
 std::optional<std::string> removingPercentEncoding(std::string_view text) {
+    // Most names and values are plain ASCII without escapes: nothing to decode or check.
+    if (std::all_of(text.begin(), text.end(), [](char c) { return c != '%' && (c & 0x80) == 0; }))
+        return std::string(text);
     if (!everyPercentStartsAnEscape(text)) return std::nullopt;
     return urlSimpleUnescape(text);
 }
