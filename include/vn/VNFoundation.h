@@ -106,6 +106,9 @@
 #include "vn/properties/VNMutablePropertiesObject.h"
 #include "vn/properties/VNPropertiesObject.h"
 
+#include "vn/network/Base64.h"
+#include "vn/network/OAuth.h"
+#include "vn/network/OAuthHelpers.h"
 #include "vn/network/OperationQueueVNFoundation.h"
 #include "vn/network/URLConnectionFailureInjection.h"
 #include "vn/network/URLError.h"
@@ -114,8 +117,10 @@
 #include "vn/network/URLSessionDelegate.h"
 #include "vn/network/URLSessionTask.h"
 #include "vn/network/VNDataSetterOperation.h"
+#include "vn/network/VNHTTPWarningHeader.h"
 #include "vn/network/VNParseJsonOperation.h"
 #include "vn/network/VNURLRequestOperation.h"
+#include "vn/network/VNUtilitiesHTTP.h"
 
 #include "vn/geometry/CGGeometry.h"
 #include "vn/geometry/Screen.h"
