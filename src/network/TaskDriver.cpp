@@ -290,19 +290,24 @@ void TaskDriver::onHeadersComplete() {
         body_.clear();
         return;
     }
+    adoptFinalResponse(std::move(response));
+    if (const auto length = response_->expectedContentLength();
+        length > 0 && !reportsToDelegate() && task_->kind() != URLSessionTask::Kind::download)
+        body_.reserve(static_cast<std::size_t>(std::min<std::int64_t>(length, 64 << 20)));
+}
+
+// The task's result is response; a data task that reports to a delegate waits for the
+// delegate's disposition before taking any of the body.
+void TaskDriver::adoptFinalResponse(URLResponsePtr response) {
     response_ = std::move(response);
     {
-        const auto task = currentTask();
-        std::lock_guard lock(task->mutex_);
-        task->response_ = response_;
+        std::lock_guard lock(task_->mutex_);
+        task_->response_ = response_;
     }
     const bool asksDelegate = reportsToDelegate() &&
                               task_->kind() != URLSessionTask::Kind::download &&
                               session_->delegate() != nullptr;
     disposition_ = asksDelegate ? Disposition::undecided : Disposition::notNeeded;
-    if (const auto length = response_->expectedContentLength();
-        length > 0 && !reportsToDelegate() && task_->kind() != URLSessionTask::Kind::download)
-        body_.reserve(static_cast<std::size_t>(std::min<std::int64_t>(length, 64 << 20)));
 }
 
 size_t TaskDriver::onBody(const char* data, size_t size) {
@@ -454,15 +459,7 @@ void TaskDriver::redirectAnswered(std::optional<URLRequest> request) {
     }
     // Refused: the redirect response, with its body, is the result.
     isRedirectHop_ = false;
-    response_ = hopResponse_;
-    {
-        std::lock_guard lock(task_->mutex_);
-        task_->response_ = response_;
-    }
-    const bool asksDelegate = reportsToDelegate() &&
-                              task_->kind() != URLSessionTask::Kind::download &&
-                              session_->delegate() != nullptr;
-    disposition_ = asksDelegate ? Disposition::undecided : Disposition::notNeeded;
+    adoptFinalResponse(hopResponse_);
     Data hopBody = std::move(body_);
     body_.clear();
     if (disposition_ == Disposition::notNeeded) {

@@ -57,6 +57,7 @@ class TaskDriver : public std::enable_shared_from_this<TaskDriver> {
     void configure(CURL* easy);
     size_t onHeaderLine(std::string_view line);
     void onHeadersComplete();
+    void adoptFinalResponse(URLResponsePtr response);
     size_t onBody(const char* data, size_t size);
     bool consumeBody(const char* data, size_t size);
     size_t onUploadRead(char* buffer, size_t size);
