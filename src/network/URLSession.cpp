@@ -29,7 +29,7 @@ URLSession::URLSession(Private, const URLSessionConfiguration& configuration,
       shared_(shared),
       callbackQueue_(std::make_shared<CallbackQueue>(
           delegateQueue ? std::move(delegateQueue)
-                        : ExecutorPtr(DispatchQueue::serial("vn.URLSession.delegate")))),
+                        : ExecutorPtr(DispatchQueue::global()))),
       delegate_(std::move(delegate)) {}
 
 URLSession::~URLSession() = default;

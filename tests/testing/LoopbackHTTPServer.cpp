@@ -1,5 +1,8 @@
 #include "testing/LoopbackHTTPServer.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+
 #include <httplib.h>
 #include <pthread.h>
 #include <sys/socket.h>
@@ -170,6 +173,10 @@ class LoopbackLibraryServer final : public Base {
     // Called by the library on a worker thread for every accepted socket.
     bool process_and_close_socket(socket_t socket) override {
         registry_.add(socket);
+        // Headers and body leave in separate writes: without this, Nagle's algorithm holds the
+        // second until the client's delayed acknowledgement, 40 ms per response on loopback.
+        const int on = 1;
+        ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         if constexpr (kTLS) {
             const std::unique_ptr<SSL, SSLDeleter> ssl(SSL_new(this->ssl_context()));
             if (ssl && SSL_set_fd(ssl.get(), socket) == 1 && SSL_accept(ssl.get()) == 1) {
