@@ -397,22 +397,22 @@ void VNURLRequestOperation::cancel() {
     tearDownSession(true);
 }
 
+// The session is dropped before its tasks are cancelled, so that every callback the
+// cancellation causes finds a foreign session and is ignored.
 void VNURLRequestOperation::tearDownSession(bool cancelTasks) {
     URLSessionPtr session;
     {
         std::lock_guard lock(mutex_);
-        session = urlSession_;
-    }
-    if (session) {
-        if (cancelTasks) {
-            session->invalidateAndCancel();
-        } else {
-            session->finishTasksAndInvalidate();
-        }
+        session = std::move(urlSession_);
+        urlSession_.reset();
     }
     setSessionTask(nullptr);
-    std::lock_guard lock(mutex_);
-    urlSession_.reset();
+    if (!session) return;
+    if (cancelTasks) {
+        session->invalidateAndCancel();
+    } else {
+        session->finishTasksAndInvalidate();
+    }
 }
 
 void VNURLRequestOperation::finish() {

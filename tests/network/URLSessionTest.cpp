@@ -327,6 +327,7 @@ TEST(URLSession, DelegateHearsResponseDataAndCompletionInOrderWithoutOverlap) {
     EXPECT_EQ(body[0], 'a');
     EXPECT_EQ(body[299999], static_cast<char>('a' + 299999 % 26));
     EXPECT_FALSE(delegate->overlapped());
+    session->finishTasksAndInvalidate();  // a session keeps its delegate until invalidated
 }
 
 TEST(URLSession, ResponseDispositionCancelOrBecomeDownload) {
@@ -528,6 +529,7 @@ TEST(URLSession, CancelAtEveryStageEndsTheTaskOnceWith999) {
     task->resume();
     task->cancel();
     EXPECT_EQ(cancelled.get_future().get()->code(), NSURLErrorCancelled);
+    session->finishTasksAndInvalidate();
 }
 
 TEST(URLSession, FiftyMegabytesToMemoryAndToAFile) {
