@@ -106,6 +106,7 @@
 #include "vn/properties/VNMutablePropertiesObject.h"
 #include "vn/properties/VNPropertiesObject.h"
 
+#include "vn/network/IPAddressLiteral.h"
 #include "vn/network/OperationQueueVNFoundation.h"
 #include "vn/network/URLConnectionFailureInjection.h"
 #include "vn/network/URLError.h"
@@ -114,8 +115,11 @@
 #include "vn/network/URLSessionDelegate.h"
 #include "vn/network/URLSessionTask.h"
 #include "vn/network/VNDataSetterOperation.h"
+#include "vn/network/VNNetworkReachability.h"
 #include "vn/network/VNParseJsonOperation.h"
+#include "vn/network/VNPlatformVersion.h"
 #include "vn/network/VNURLRequestOperation.h"
+#include "vn/network/VNUndocumentedConfig.h"
 
 #include "vn/geometry/CGGeometry.h"
 #include "vn/geometry/Screen.h"
