@@ -476,16 +476,34 @@ TEST_F(PermissionWaitingTasks, HandedOverRetryDoesNotStartUntilResumed) {
     EXPECT_EQ(recorder.outcome().calls, 1);
 }
 
-TEST_F(PermissionWaitingTasks, InvalidatedWaitingSessionLeavesTheFirstResult) {
-    URLSession::vnPermissionWaitingSession()->finishTasksAndInvalidate();
+TEST_F(PermissionWaitingTasks, WithoutAUsableWaitingSessionTheFirstResultIsPassedOn) {
     const auto injection = offline();
-    const Recorder recorder;
-    session->vnDataTaskWaitingForPermissionWithURL(url("/text"), recorder.dataHandler())->resume();
-    ASSERT_TRUE(recorder.waitForCalls(1));
-    EXPECT_EQ(recorder.outcome().errorCode, NSURLErrorNotConnectedToInternet);
-    EXPECT_EQ(server.requestCount(), 0u);
-    EXPECT_EQ(load(session, server.url(kSettlePath)).status(), 204);
-    EXPECT_EQ(recorder.outcome().calls, 1);
+    const auto expectFirstResult = [&] {
+        const Recorder recorder;
+        session->vnDataTaskWaitingForPermissionWithURL(url("/text"), recorder.dataHandler())
+            ->resume();
+        ASSERT_TRUE(recorder.waitForCalls(1));
+        EXPECT_EQ(recorder.outcome().errorCode, NSURLErrorNotConnectedToInternet);
+        EXPECT_EQ(load(session, server.url(kSettlePath)).status(), 204);
+        EXPECT_EQ(recorder.outcome().calls, 1);
+    };
+    {
+        SCOPED_TRACE("the waiting session was invalidated");
+        URLSession::vnPermissionWaitingSession()->finishTasksAndInvalidate();
+        expectFirstResult();
+        URLSession::vnResetPermissionWaitingSession();
+    }
+    {
+        SCOPED_TRACE("the session factory makes none");
+        const auto previous = URLSession::setVNSessionFactory(
+            [](const URLSessionConfiguration&, URLSessionDelegatePtr, ExecutorPtr) {
+                return URLSessionPtr();
+            });
+        expectFirstResult();
+        URLSession::setVNSessionFactory(previous);
+        EXPECT_TRUE(URLSession::vnPermissionWaitingSession());
+    }
+    EXPECT_EQ(server.requestCount(), 2u);  // the two settling requests
 }
 
 TEST_F(PermissionWaitingTasks, WaitingSessionIsMadeOnceThroughTheSessionFactory) {

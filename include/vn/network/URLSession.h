@@ -147,9 +147,9 @@ class URLSession : public Object {
     //   vnMayBeLocalNetworkPermissionError(error, URL of the request) answers true and the
     //   application is not in the background by then, a task of the same kind with the same
     //   request (or URL) and the same body (file or bytes) is made in the waiting session,
-    //   with the caller's completion handler, and the first result is dropped. When the
-    //   waiting session refuses the task (it has been invalidated), the first result is
-    //   passed on instead.
+    //   with the caller's completion handler, and the first result is dropped. When there is
+    //   no waiting session (the session factory made none) or it refuses the task (it has
+    //   been invalidated), the first result is passed on instead.
     // The retry is made on this session's delegate queue; its completion runs on the waiting
     // session's queue. With onRetryWaitingTaskCreated, the retry task is handed to it
     // unresumed and the caller owns it (to cancel it, follow it, and resume it: it does
@@ -257,7 +257,8 @@ class URLSession : public Object {
     // The waiting session: made on first need (thread-safely, once) with
     // vnSessionWithConfiguration from the default configuration with waitsForConnectivity
     // true and timeoutIntervalForResource VNUndocumentedConfig::localNetworkPermissionTimeout(),
-    // no delegate and a queue of its own; kept for the life of the process. The session
+    // no delegate and a queue of its own; kept for the life of the process. Null when the
+    // session factory made none (nothing is kept then; the next call asks again). The session
     // factory is called under this function's lock and must not call it.
     [[nodiscard]] static URLSessionPtr vnPermissionWaitingSession();
     // Forgets the waiting session, so that the next one is made anew (with the time-out read
