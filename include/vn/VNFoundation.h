@@ -107,6 +107,7 @@
 #include "vn/properties/VNPropertiesObject.h"
 
 #include "vn/network/Base64.h"
+#include "vn/network/IPAddressLiteral.h"
 #include "vn/network/OAuth.h"
 #include "vn/network/OAuthHelpers.h"
 #include "vn/network/OperationQueueVNFoundation.h"
@@ -118,8 +119,11 @@
 #include "vn/network/URLSessionTask.h"
 #include "vn/network/VNDataSetterOperation.h"
 #include "vn/network/VNHTTPWarningHeader.h"
+#include "vn/network/VNNetworkReachability.h"
 #include "vn/network/VNParseJsonOperation.h"
+#include "vn/network/VNPlatformVersion.h"
 #include "vn/network/VNURLRequestOperation.h"
+#include "vn/network/VNUndocumentedConfig.h"
 #include "vn/network/VNUtilitiesHTTP.h"
 
 #include "vn/geometry/CGGeometry.h"

@@ -128,6 +128,144 @@ class URLSession : public Object {
     // count open files.
     static bool closeIdleConnections();
 
+    // ---- Tasks that wait for the local-network permission ----------------------------------
+    // The first connection of an application to a device on the local network makes the
+    // mobile system ask the user for the local-network permission, and the attempt that
+    // triggered the question fails at once with -1009 (not connected). These factories make
+    // the same tasks as the plain ones above, returned suspended, but such a failure does not
+    // reach the completion handler: the request is repeated once in the waiting session
+    // (vnPermissionWaitingSession), which waits for connectivity until the user has answered
+    // or its resource time-out passes. The completion handler is called exactly once: with
+    // the first attempt's result, or with the retry's result (its error included, such as
+    // -1001 when the waiting session times out), never both.
+    //
+    // When the task is made:
+    // - with a null completion handler, or while the application is in the background (no
+    //   question can be shown), or on a session whose configuration already waits for
+    //   connectivity, the plain factory is used unchanged and no retry is armed;
+    // - otherwise, when the first attempt fails with an error for which
+    //   vnMayBeLocalNetworkPermissionError(error, URL of the request) answers true and the
+    //   application is not in the background by then, a task of the same kind with the same
+    //   request (or URL) and the same body (file or bytes) is made in the waiting session,
+    //   with the caller's completion handler, and the first result is dropped. When there is
+    //   no waiting session (the session factory made none) or it refuses the task (it has
+    //   been invalidated), the first result is passed on instead.
+    // The retry is made on this session's delegate queue; its completion runs on the waiting
+    // session's queue. With onRetryWaitingTaskCreated, the retry task is handed to it
+    // unresumed and the caller owns it (to cancel it, follow it, and resume it: it does
+    // nothing until resumed); without it, the retry is resumed at once and only the first
+    // task is cancelable by the caller. This session's delegate and configuration do not
+    // apply to the retry.
+    //
+    // Names: the interface names each factory twice, by selector
+    // (vnDataTaskWaitingForPermissionWithRequest:completionHandler:onRetryWaitingTaskCreated:)
+    // and with labels (vnDataTaskWaitingForPermission(with:completionHandler:
+    // onRetryWaitingTaskCreated:)). Both are here; the upload factories from a file and from
+    // bytes (fromFile: and from:) become one C++ name with two overloads in each form.
+    using DataRetryTaskHandler = std::function<void(const URLSessionDataTaskPtr& retryTask)>;
+    using UploadRetryTaskHandler = std::function<void(const URLSessionUploadTaskPtr& retryTask)>;
+    using DownloadRetryTaskHandler =
+        std::function<void(const URLSessionDownloadTaskPtr& retryTask)>;
+
+    URLSessionDataTaskPtr vnDataTaskWaitingForPermissionWithRequest(
+        const URLRequest& request, DataCompletion completionHandler,
+        DataRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+    URLSessionDataTaskPtr vnDataTaskWaitingForPermissionWithURL(
+        const URL& url, DataCompletion completionHandler,
+        DataRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+    // The body is read from the file at fileURL, by the first attempt and again by the retry.
+    URLSessionUploadTaskPtr vnUploadTaskWaitingForPermissionWithRequest(
+        const URLRequest& request, const URL& fileURL, DataCompletion completionHandler,
+        UploadRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+    // The body is bodyData (may be empty); the retry sends the same bytes.
+    URLSessionUploadTaskPtr vnUploadTaskWaitingForPermissionWithRequest(
+        const URLRequest& request, Data bodyData, DataCompletion completionHandler,
+        UploadRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+    URLSessionDownloadTaskPtr vnDownloadTaskWaitingForPermissionWithRequest(
+        const URLRequest& request, DownloadCompletion completionHandler,
+        DownloadRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+    URLSessionDownloadTaskPtr vnDownloadTaskWaitingForPermissionWithURL(
+        const URL& url, DownloadCompletion completionHandler,
+        DownloadRetryTaskHandler onRetryWaitingTaskCreated = nullptr);
+
+    // The labelled forms, the same factories.
+    URLSessionDataTaskPtr vnDataTaskWaitingForPermission(
+        const URLRequest& request, DataCompletion completionHandler,
+        DataRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnDataTaskWaitingForPermissionWithRequest(request, std::move(completionHandler),
+                                                         std::move(onRetryWaitingTaskCreated));
+    }
+    URLSessionDataTaskPtr vnDataTaskWaitingForPermission(
+        const URL& url, DataCompletion completionHandler,
+        DataRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnDataTaskWaitingForPermissionWithURL(url, std::move(completionHandler),
+                                                     std::move(onRetryWaitingTaskCreated));
+    }
+    URLSessionUploadTaskPtr vnUploadTaskWaitingForPermission(
+        const URLRequest& request, const URL& fileURL, DataCompletion completionHandler,
+        UploadRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnUploadTaskWaitingForPermissionWithRequest(
+            request, fileURL, std::move(completionHandler), std::move(onRetryWaitingTaskCreated));
+    }
+    URLSessionUploadTaskPtr vnUploadTaskWaitingForPermission(
+        const URLRequest& request, Data bodyData, DataCompletion completionHandler,
+        UploadRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnUploadTaskWaitingForPermissionWithRequest(request, std::move(bodyData),
+                                                           std::move(completionHandler),
+                                                           std::move(onRetryWaitingTaskCreated));
+    }
+    URLSessionDownloadTaskPtr vnDownloadTaskWaitingForPermission(
+        const URLRequest& request, DownloadCompletion completionHandler,
+        DownloadRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnDownloadTaskWaitingForPermissionWithRequest(request, std::move(completionHandler),
+                                                             std::move(onRetryWaitingTaskCreated));
+    }
+    URLSessionDownloadTaskPtr vnDownloadTaskWaitingForPermission(
+        const URL& url, DownloadCompletion completionHandler,
+        DownloadRetryTaskHandler onRetryWaitingTaskCreated = nullptr) {
+        return vnDownloadTaskWaitingForPermissionWithURL(url, std::move(completionHandler),
+                                                         std::move(onRetryWaitingTaskCreated));
+    }
+
+    // Whether error, met while loading url, may come from the pending local-network
+    // permission. The factories above ask through this function, which calls the classifier
+    // installed with setVNLocalNetworkPermissionErrorClassifier, or else the built-in one.
+    // (The selector form vnMayBeLocalNetworkPermissionError:forURL: and the labelled form
+    // vnMayBeLocalNetworkPermissionError(_:forURL:) are the same C++ name.)
+    using LocalNetworkPermissionErrorClassifier =
+        std::function<bool(const ErrorPtr& error, const std::optional<URL>& url)>;
+    [[nodiscard]] static bool vnMayBeLocalNetworkPermissionError(const ErrorPtr& error,
+                                                                 const std::optional<URL>& url);
+    // The built-in classification, callable by a replacement that decorates it. True only
+    // when all of these hold, tested in this order; the first that fails answers false and
+    // nothing after it is consulted:
+    // 1. VNPlatformVersion is at least 14.0;
+    // 2. error is not null and its domain is NSURLErrorDomain;
+    // 3. its code is -1009 (NSURLErrorNotConnectedToInternet);
+    // 4. url has a host that is an IPv4 or IPv6 literal (IPAddressLiteral), not a name;
+    // 5. VNNetworkReachability answers flags for that host (IPv6 without brackets);
+    // 6. the flags include reachable and at least one of is-local-address and is-direct, and
+    //    not is-WWAN (other bits are ignored).
+    [[nodiscard]] static bool vnMayBeLocalNetworkPermissionErrorDefault(
+        const ErrorPtr& error, const std::optional<URL>& url);
+    // Installs classifier (null: back to the built-in one) and returns the one it replaces
+    // (the built-in one as a callable when no other was installed). The classifier runs on
+    // sessions' delegate queues, outside any lock, and must be safe from any thread.
+    static LocalNetworkPermissionErrorClassifier setVNLocalNetworkPermissionErrorClassifier(
+        LocalNetworkPermissionErrorClassifier classifier);
+
+    // The waiting session: made on first need (thread-safely, once) with
+    // vnSessionWithConfiguration from the default configuration with waitsForConnectivity
+    // true and timeoutIntervalForResource VNUndocumentedConfig::localNetworkPermissionTimeout(),
+    // no delegate and a queue of its own; kept for the life of the process. Null when the
+    // session factory made none (nothing is kept then; the next call asks again). The session
+    // factory is called under this function's lock and must not call it.
+    [[nodiscard]] static URLSessionPtr vnPermissionWaitingSession();
+    // Forgets the waiting session, so that the next one is made anew (with the time-out read
+    // then). For hosts whose settings changed and for tests; retries already made run to their
+    // end in the session that was forgotten.
+    static void vnResetPermissionWaitingSession();
+
   private:
     struct Private {};
 
