@@ -334,18 +334,17 @@ TEST(URLSession, ResponseDispositionCancelOrBecomeDownload) {
     LoopbackHTTPServer server;
     auto cancelling = std::make_shared<RecordingDelegate>();
     cancelling->disposition = URLSessionResponseDisposition::cancel;
-    sessionWith(cancelling)
-        ->dataTaskWithURL(*URL::URLWithString(server.url("/bytes?size=1000")))
-        ->resume();
+    const auto first = sessionWith(cancelling);
+    first->dataTaskWithURL(*URL::URLWithString(server.url("/bytes?size=1000")))->resume();
     ASSERT_TRUE(cancelling->waitForCompletions(1));
     EXPECT_EQ(cancelling->events(), (std::vector<std::string>{"response", "complete -999"}));
     EXPECT_EQ(cancelling->received(), "");
 
     auto downloading = std::make_shared<RecordingDelegate>();
     downloading->disposition = URLSessionResponseDisposition::becomeDownload;
+    const auto second = sessionWith(downloading);
     const auto dataTask =
-        sessionWith(downloading)
-            ->dataTaskWithURL(*URL::URLWithString(server.url("/bytes?size=70000")));
+        second->dataTaskWithURL(*URL::URLWithString(server.url("/bytes?size=70000")));
     dataTask->resume();
     ASSERT_TRUE(downloading->waitForCompletions(1));
     EXPECT_EQ(downloading->events(), (std::vector<std::string>{"response", "became download",
@@ -356,6 +355,8 @@ TEST(URLSession, ResponseDispositionCancelOrBecomeDownload) {
     EXPECT_NE(downloading->downloadTask()->taskIdentifier(), dataTask->taskIdentifier());
     EXPECT_FALSE(std::filesystem::exists(downloading->location()))
         << "deleted after the delegate returned";
+    first->finishTasksAndInvalidate();  // a session keeps its delegate until invalidated
+    second->finishTasksAndInvalidate();
 }
 
 TEST(URLSession, DownloadTaskHandsOverATemporaryFileDeletedAfterTheHandler) {
