@@ -88,13 +88,20 @@ void Operation::run() {
     if (!isAsynchronous()) finish();
 }
 
+bool Operation::claimFinish(bool& wasExecuting) {
+    std::lock_guard lock(mutex_);
+    if (finishing_ || finished_) return false;
+    finishing_ = true;
+    started_ = true;  // a finishing operation can no longer be started or enqueued
+    wasExecuting = executing_;
+    return true;
+}
+
 void Operation::finish() {
+    // Only the caller that claims the transition announces it, so every willChange is paired
+    // with its didChange even when several threads finish the operation at once.
     bool wasExecuting = false;
-    {
-        std::lock_guard lock(mutex_);
-        if (finished_) return;
-        wasExecuting = executing_;
-    }
+    if (!claimFinish(wasExecuting)) return;
     if (wasExecuting) announce(isExecutingKey, KeyValueChange::willChange);
     announce(isFinishedKey, KeyValueChange::willChange);
     std::vector<std::weak_ptr<Object>> dependents;
@@ -103,9 +110,7 @@ void Operation::finish() {
     bool startedByQueue = false;
     {
         std::lock_guard lock(mutex_);
-        if (finished_) return;  // a concurrent finish() won
         startedByQueue = startedByQueue_;
-        started_ = true;
         executing_ = false;
         finished_ = true;
         dependents.swap(dependents_);

@@ -106,7 +106,10 @@ class Operation : public Object, public VNCancelableOperation {
 
   protected:
     // Ends an asynchronous operation: "isExecuting" becomes false and "isFinished" true.
-    // Later calls do nothing. Synchronous operations are finished by start().
+    // Safe from any thread: when several threads call it at once, exactly one announces and
+    // performs the change (each willChange followed by its didChange) and the others return
+    // at once, possibly before the change is complete. Later calls do nothing. Synchronous
+    // operations are finished by start().
     void finish();
 
     // Tells the observers of key of a change (synchronously, on the calling thread, with no
@@ -130,6 +133,8 @@ class Operation : public Object, public VNCancelableOperation {
     bool isWaitingToStartLocked() const { return !started_ && !finished_; }
     void announceReadyChange();
     void run();
+    // Claims the transition to finished for the caller; false when another call claimed it.
+    [[nodiscard]] bool claimFinish(bool& wasExecuting);
     // Registers dependent to hear of this operation's end; false when it has ended already.
     bool registerDependent(const std::weak_ptr<Object>& dependent);
     void dependencyFinished(const Operation& dependency);
@@ -144,6 +149,7 @@ class Operation : public Object, public VNCancelableOperation {
     bool started_ = false;
     bool startedByQueue_ = false;
     bool executing_ = false;
+    bool finishing_ = false;  // claimed by one finish(), set before its announcements
     bool finished_ = false;
     int pendingDependencies_ = 0;
     std::vector<Dependency> dependencies_;
