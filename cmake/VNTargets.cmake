@@ -9,6 +9,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_G
   list(APPEND VN_WARNINGS -Wno-restrict)
 endif()
 
+# The platform area's internal layer (src/platform/internal/, namespace vn::platform_internal):
+# helpers every area shares (UTF-8, number reading, the C locale, hashing). Its sources are
+# compiled into the platform area; this target carries its headers to every area and test,
+# and is never installed.
+add_library(vn_platform_internal INTERFACE)
+target_include_directories(vn_platform_internal INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
 # vn_add_area(<area> SOURCES <files...> [DEPENDS <areas...>] [LIBRARIES <third-party targets...>])
 function(vn_add_area area)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
@@ -22,7 +29,7 @@ function(vn_add_area area)
   foreach(dep IN LISTS ARG_DEPENDS)
     target_link_libraries(${target} PUBLIC vn_${dep})
   endforeach()
-  target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES} Threads::Threads)
+  target_link_libraries(${target} PRIVATE vn_platform_internal ${ARG_LIBRARIES} Threads::Threads)
   set_property(GLOBAL APPEND PROPERTY VN_AREA_TARGETS ${target})
   set_property(GLOBAL APPEND PROPERTY VN_AREA_LIBRARIES ${ARG_LIBRARIES})
 endfunction()

@@ -53,10 +53,6 @@ ClassDescription dateClass();
 ClassDescription nullClass();
 ClassDescription decimalClass();
 
-// Whether text is well-formed UTF-8 (no overlong forms, surrogates or code points above
-// U+10FFFF): the property list stores texts as ASCII or UTF-16, so nothing else survives.
-bool isValidUtf8(std::string_view text);
-
 // The platform's decimal value in archived form.
 struct ArchivedDecimal {
     std::int64_t exponent = 0;

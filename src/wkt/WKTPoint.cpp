@@ -6,9 +6,9 @@
 
 namespace vn {
 
+using platform_internal::hashCombine;
 using wkt_detail::appendFixed;
 using wkt_detail::coordinateHash;
-using wkt_detail::hashCombine;
 
 WKTPoint::WKTPoint() : WKTGeometry("Point") {}
 
@@ -70,9 +70,9 @@ bool WKTPoint::isEqual(const Object& other) const {
 
 std::size_t WKTPoint::hash() const {
     std::size_t seed = std::hash<std::int32_t>{}(dimensions());
-    hashCombine(seed, coordinateHash(x_));
-    hashCombine(seed, coordinateHash(y_));
-    if (dimensions() != 2) hashCombine(seed, coordinateHash(z_));
+    seed = hashCombine(seed, coordinateHash(x_));
+    seed = hashCombine(seed, coordinateHash(y_));
+    if (dimensions() != 2) seed = hashCombine(seed, coordinateHash(z_));
     return seed;
 }
 
