@@ -1,6 +1,6 @@
 #include "coding/ArchiveFormat.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 namespace {
 
 constexpr std::size_t kMantissaWords = kDecimalMantissaBytes / 2;
@@ -65,4 +65,4 @@ std::optional<Decimal> unarchiveDecimal(const ArchivedDecimal& archived) {
     return Decimal::fromParts(archived.negative, mantissa, static_cast<int>(archived.exponent));
 }
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

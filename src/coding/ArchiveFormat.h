@@ -11,7 +11,7 @@
 #include "vn/platform/Decimal.h"
 #include "vn/platform/Value.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 
 inline constexpr std::string_view kArchiverKey = "$archiver";
 inline constexpr std::string_view kArchiverName = "NSKeyedArchiver";
@@ -67,4 +67,4 @@ ArchivedDecimal archiveDecimal(const Decimal& value);
 // are not zero). A shorter mantissa is read as if padded with zero bytes.
 std::optional<Decimal> unarchiveDecimal(const ArchivedDecimal& archived);
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

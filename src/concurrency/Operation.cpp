@@ -106,7 +106,7 @@ void Operation::finish() {
     announce(isFinishedKey, KeyValueChange::willChange);
     std::vector<std::weak_ptr<Object>> dependents;
     std::function<void()> completion;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     bool startedByQueue = false;
     {
         std::lock_guard lock(mutex_);
@@ -138,7 +138,7 @@ void Operation::cancel() {
     }
     announce(isCancelledKey, KeyValueChange::willChange);
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         becameReady = !isReadyLocked() && isWaitingToStartLocked();
@@ -199,7 +199,7 @@ void Operation::addDependency(const OperationPtr& dependency) {
 
 void Operation::removeDependency(const OperationPtr& dependency) {
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         const auto it =
@@ -219,7 +219,7 @@ void Operation::removeDependency(const OperationPtr& dependency) {
 
 void Operation::dependencyFinished(const Operation& dependency) {
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         const auto it = std::find_if(
@@ -258,7 +258,7 @@ std::function<void()> Operation::completionBlock() const {
 void Operation::waitUntilFinished() {
     std::unique_lock lock(mutex_);
     if (finished_) return;
-    concurrency::BlockingRegion blocking;
+    concurrency_internal::BlockingRegion blocking;
     finishedCondition_.wait(lock, [this] { return finished_; });
 }
 
@@ -272,7 +272,7 @@ void Operation::setName(std::string name) {
     name_ = std::move(name);
 }
 
-bool Operation::attach(std::shared_ptr<detail::OperationOwner> owner) {
+bool Operation::attach(std::shared_ptr<concurrency_internal::OperationOwner> owner) {
     std::lock_guard lock(mutex_);
     if (owner_ || started_ || finished_) return false;
     owner_ = std::move(owner);

@@ -13,8 +13,8 @@
 namespace vn {
 namespace {
 
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 using Replacement = std::pair<std::string_view, std::string_view>;
 

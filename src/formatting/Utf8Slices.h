@@ -8,7 +8,7 @@
 
 #include "platform/internal/Utf8.h"
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 
 inline std::vector<std::string_view> codePointSlices(std::string_view text) {
     std::vector<std::string_view> slices;
@@ -21,4 +21,4 @@ inline std::vector<std::string_view> codePointSlices(std::string_view text) {
     return slices;
 }
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

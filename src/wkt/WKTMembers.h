@@ -14,7 +14,7 @@
 #include "vn/platform/Value.h"
 #include "vn/wkt/WKTGeometry.h"
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 // The exception name and reasons of one member-setting method.
 struct MemberRules {
@@ -130,4 +130,4 @@ std::string listWKT(std::size_t memberCount, std::int32_t dimensions, std::strin
                     std::string_view keyword3D, std::string_view emptyText,
                     const std::string& description);
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

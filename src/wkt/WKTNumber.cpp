@@ -2,7 +2,7 @@
 
 #include "platform/internal/DecimalReading.h"
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 double readLenientDouble(std::string_view text, std::size_t& at) {
     std::size_t position = at;
@@ -19,4 +19,4 @@ double readLenientDouble(std::string_view text, std::size_t& at) {
     return value;
 }
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

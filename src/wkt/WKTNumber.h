@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 // Reads the number at text[at] after ASCII white space: [+-]digits[.digits][(e|E)[+-]digits]
 // with the decimal point whatever the process locale, correctly rounded. at moves past the
@@ -12,4 +12,4 @@ namespace vn::wkt_detail {
 // range give ±infinity, values too small for it ±0.
 [[nodiscard]] double readLenientDouble(std::string_view text, std::size_t& at);
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -35,7 +35,7 @@ namespace vn {
 class Operation;
 using OperationPtr = std::shared_ptr<Operation>;
 
-namespace detail {
+namespace concurrency_internal {
 // What an operation tells the queue it belongs to.
 class OperationOwner {
   public:
@@ -44,7 +44,7 @@ class OperationOwner {
     // startedByQueue: whether the queue had started it (and counts it as running).
     virtual void operationFinished(const OperationPtr& operation, bool startedByQueue) = 0;
 };
-}  // namespace detail
+}  // namespace concurrency_internal
 
 class Operation : public Object, public VNCancelableOperation {
   public:
@@ -139,7 +139,7 @@ class Operation : public Object, public VNCancelableOperation {
     bool registerDependent(const std::weak_ptr<Object>& dependent);
     void dependencyFinished(const Operation& dependency);
     // For OperationQueue.
-    bool attach(std::shared_ptr<detail::OperationOwner> owner);
+    bool attach(std::shared_ptr<concurrency_internal::OperationOwner> owner);
     bool claimForQueue();
     void startFromQueue();
 
@@ -156,7 +156,7 @@ class Operation : public Object, public VNCancelableOperation {
     std::vector<std::weak_ptr<Object>> dependents_;
     std::function<void()> completionBlock_;
     std::string name_;
-    std::shared_ptr<detail::OperationOwner> owner_;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner_;
 
     mutable std::mutex observersMutex_;
     std::vector<Observer> observers_;
@@ -167,7 +167,8 @@ class Operation : public Object, public VNCancelableOperation {
 class BlockOperation : public Operation {
   public:
     explicit BlockOperation(std::function<void()> block = nullptr);
-    static std::shared_ptr<BlockOperation> blockOperationWithBlock(std::function<void()> block) {
+    [[nodiscard]] static std::shared_ptr<BlockOperation> blockOperationWithBlock(
+        std::function<void()> block) {
         return std::make_shared<BlockOperation>(std::move(block));
     }
     // Adding a block after the operation started throws an NSInvalidArgumentException.

@@ -119,7 +119,8 @@ TEST(Utf8, EncodesEveryCodePointItDecodesAndReplacesTheOthers) {
     for (const auto& c : cases) {
         std::string out = "<";
         appendUtf8(out, c.codePoint);
-        EXPECT_EQ(out, "<" + std::string(c.bytes)) << std::hex << static_cast<unsigned>(c.codePoint);
+        EXPECT_EQ(out, "<" + std::string(c.bytes))
+            << std::hex << static_cast<unsigned>(c.codePoint);
         const Utf8Step back = decodeUtf8(c.bytes, 0);
         EXPECT_TRUE(back.wellFormed && back.length == c.bytes.size());
     }
