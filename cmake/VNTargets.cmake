@@ -20,6 +20,7 @@ target_include_directories(vn_platform_internal INTERFACE ${PROJECT_SOURCE_DIR}/
 function(vn_add_area area)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
   set(target vn_${area})
+  vn_require_packages(${ARG_LIBRARIES} ${VN_AREA_PACKAGES_${area}})
   add_library(${target} OBJECT ${ARG_SOURCES})
   target_include_directories(${target}
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
@@ -64,6 +65,7 @@ endfunction()
 # one GoogleTest program whose tests are registered with CTest one by one.
 function(vn_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  vn_require_packages(${ARG_LIBRARIES})
   add_executable(${name} ${ARG_SOURCES})
   # Exported symbols let call-stack symbols name the functions of the program itself.
   set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
@@ -80,6 +82,7 @@ endfunction()
 # vn_add_benchmark(<name> SOURCES <files...>)
 function(vn_add_benchmark name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  vn_require_packages(${ARG_LIBRARIES})
   add_executable(${name} ${ARG_SOURCES})
   target_compile_options(${name} PRIVATE ${VN_WARNINGS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
