@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "values/HostileValues.h"
+#include "testing/HostileValues.h"
 
 namespace vn {
 namespace {
@@ -83,7 +83,7 @@ TEST(VNObjectType, ParsesQualifiedReferences) {
         EXPECT_EQ(VNObjectHelper::parseObjectName(kKind5, bad), std::nullopt);
     }
     // Whatever the value, a result is the text itself split at its "-".
-    for (const Value& value : testdata::hostileValues()) {
+    for (const Value& value : testing::hostileValues()) {
         const auto reference = VNObjectHelper::parseObjectTypeAndName(value);
         if (!reference) continue;
         ASSERT_TRUE(value.string()) << "only texts are references";

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "log/LogTesting.h"
-#include "vn/log/VNLog.h"
+#include "testing/RecordingLoggerService.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/services/VNFoundationServices.h"
 
 namespace vn {
@@ -20,12 +20,9 @@ struct TitleKey {
 
 class VNCodingKeysHelpersTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        VNFoundationServices::reset();
-        VNFoundationServices::registerLoggerService(logger);
-    }
-    void TearDown() override { VNFoundationServices::reset(); }
+    void SetUp() override { VNFoundationServices::registerLoggerService(logger); }
 
+    testing::ScopedProcessState state;
     std::shared_ptr<RecordingLoggerService> logger = std::make_shared<RecordingLoggerService>();
     Value::Dictionary model{{"title", "Report"},
                             {"count", 12},
@@ -170,8 +167,8 @@ TEST_F(VNCodingKeysHelpersTest, ObjectTypesMatchSubclassesAndAreNamedByTheirClas
               "Value for 'w' key has invalid type. Required Widget but found: plain");
 }
 
-// The properties area does not build on the log: the console and the service are all there is
-// to watch.
+// The properties area does not build on the log (the layering check keeps it so): the console
+// and the service are all there is to watch.
 TEST_F(VNCodingKeysHelpersTest, WithoutALoggerServiceNothingIsWrittenAnywhere) {
     VNFoundationServices::reset();
     ::testing::internal::CaptureStdout();

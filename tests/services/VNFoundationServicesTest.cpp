@@ -4,7 +4,8 @@
 
 #include <thread>
 
-#include "services/RecordingAlertService.h"
+#include "testing/RecordingAlertService.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/services/VNLogAlertMessageService.h"
 
 namespace vn {
@@ -23,8 +24,7 @@ class QuietLogger final : public VNLoggerService {
 
 class VNFoundationServicesTest : public ::testing::Test {
   protected:
-    void SetUp() override { VNFoundationServices::reset(); }
-    void TearDown() override { VNFoundationServices::reset(); }
+    testing::ScopedProcessState state;
 };
 
 TEST_F(VNFoundationServicesTest, OptionalSlotsAnswerTheirCurrentContentAndRegisteringReplaces) {
