@@ -79,11 +79,16 @@ void Operation::run() {
         return;
     }
     announce(isExecutingKey, KeyValueChange::willChange);
+    bool executing = false;
     {
+        // finish() may have been called from another thread meanwhile: a finished operation
+        // never becomes executing, and its main() is not called.
         std::lock_guard lock(mutex_);
-        executing_ = true;
+        executing = !finishing_ && !finished_;
+        executing_ = executing;
     }
     announce(isExecutingKey, KeyValueChange::didChange);
+    if (!executing) return;
     main();
     if (!isAsynchronous()) finish();
 }

@@ -195,6 +195,28 @@ TEST(Operation, TwoThreadsFinishingAtOnceAnnounceEachChangeOnceAndCompleteOnce) 
     }
 }
 
+TEST(Operation, AnOperationFinishedWhileItStartsNeverBecomesExecuting) {
+    class CountingOperation : public ExternallyFinishedOperation {
+      public:
+        int mainCalls = 0;
+        void main() override { ++mainCalls; }
+    };
+    auto operation = std::make_shared<CountingOperation>();
+    const auto changes = recordChanges(*operation);
+    operation->addObserver(Operation::isExecutingKey,
+                           [&](Operation&, std::string_view, Operation::KeyValueChange change) {
+                               if (change != Operation::KeyValueChange::willChange) return;
+                               std::thread([&] { operation->finish(); }).join();
+                           });
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_FALSE(operation->isExecuting());
+    EXPECT_EQ(operation->mainCalls, 0);
+    EXPECT_EQ(*changes,
+              (Changes{"will isExecuting", "will isFinished", "did isFinished", "did isExecuting"}))
+        << "each change announced before and after, once";
+}
+
 TEST(BlockOperation, RunsItsBlocksInOrderAndRefusesBlocksOnceStarted) {
     std::vector<int> order;
     auto operation = BlockOperation::blockOperationWithBlock([&] { order.push_back(1); });

@@ -6,7 +6,8 @@
 // starts its work in main() and calls finish() when the work is done, from any thread; a
 // synchronous one is finished when main() returns. A cancelled operation that is started
 // finishes at once without calling main(); cancelling an executing operation only sets the
-// flag (the work decides when to stop).
+// flag (the work decides when to stop). An asynchronous operation that finish() ends while it
+// is starting (from another thread) never becomes executing, and main() is not called.
 //
 // State changes are announced to observers of the keys "isExecuting", "isFinished" and
 // "isCancelled": observers hear willChange before and didChange after each change,
