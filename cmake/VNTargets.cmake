@@ -9,10 +9,18 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_G
   list(APPEND VN_WARNINGS -Wno-restrict)
 endif()
 
+# The platform area's internal layer (src/platform/internal/, namespace vn::platform_internal):
+# helpers every area shares (UTF-8, number reading, the C locale, hashing). Its sources are
+# compiled into the platform area; this target carries its headers to every area and test,
+# and is never installed.
+add_library(vn_platform_internal INTERFACE)
+target_include_directories(vn_platform_internal INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
 # vn_add_area(<area> SOURCES <files...> [DEPENDS <areas...>] [LIBRARIES <third-party targets...>])
 function(vn_add_area area)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
   set(target vn_${area})
+  vn_require_packages(${ARG_LIBRARIES} ${VN_AREA_PACKAGES_${area}})
   add_library(${target} OBJECT ${ARG_SOURCES})
   target_include_directories(${target}
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
@@ -22,7 +30,7 @@ function(vn_add_area area)
   foreach(dep IN LISTS ARG_DEPENDS)
     target_link_libraries(${target} PUBLIC vn_${dep})
   endforeach()
-  target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES} Threads::Threads)
+  target_link_libraries(${target} PRIVATE vn_platform_internal ${ARG_LIBRARIES} Threads::Threads)
   set_property(GLOBAL APPEND PROPERTY VN_AREA_TARGETS ${target})
   set_property(GLOBAL APPEND PROPERTY VN_AREA_LIBRARIES ${ARG_LIBRARIES})
 endfunction()
@@ -57,6 +65,7 @@ endfunction()
 # one GoogleTest program whose tests are registered with CTest one by one.
 function(vn_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  vn_require_packages(${ARG_LIBRARIES})
   add_executable(${name} ${ARG_SOURCES})
   # Exported symbols let call-stack symbols name the functions of the program itself.
   set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
@@ -73,6 +82,7 @@ endfunction()
 # vn_add_benchmark(<name> SOURCES <files...>)
 function(vn_add_benchmark name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  vn_require_packages(${ARG_LIBRARIES})
   add_executable(${name} ${ARG_SOURCES})
   target_compile_options(${name} PRIVATE ${VN_WARNINGS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)

@@ -5,7 +5,7 @@
 #include "coding/ArchiveFormat.h"
 #include "coding/BinaryPlistCheck.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 namespace {
 
 // 8-byte and 16-byte integer nodes read back alike; only a comparison with a freshly made
@@ -139,4 +139,4 @@ std::optional<ArchiveDocument> ArchiveDocument::open(const Data& bytes, std::str
     return document;
 }
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

@@ -10,7 +10,7 @@
 #include "coding/PlistNode.h"
 #include "vn/platform/Value.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 
 class ArchiveDocument {
   public:
@@ -39,4 +39,4 @@ std::optional<Value> plainValueOf(plist_t node);
 // The decimal value of an NSDecimalNumber entry's fields; absent when they do not hold one.
 std::optional<Decimal> decimalOf(plist_t entry);
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

@@ -1,34 +1,11 @@
 #include "coding/ArchiveFormat.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 namespace {
 
 constexpr std::size_t kMantissaWords = kDecimalMantissaBytes / 2;
 
 }  // namespace
-
-bool isValidUtf8(std::string_view text) {
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        if (lead < 0x80) {
-            ++i;
-            continue;
-        }
-        const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
-        if (length == 0 || lead > 0xF4 || i + length > text.size()) return false;
-        char32_t code = lead & (0xFF >> (length + 1));
-        for (std::size_t k = 1; k < length; ++k) {
-            const auto continuation = static_cast<unsigned char>(text[i + k]);
-            if ((continuation & 0xC0) != 0x80) return false;
-            code = (code << 6) | (continuation & 0x3F);
-        }
-        const char32_t smallest = length == 2 ? 0x80 : length == 3 ? 0x800 : 0x10000;
-        if (code < smallest || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return false;
-        i += length;
-    }
-    return true;
-}
 
 ClassDescription arrayClass() {
     return {"NSArray", {"NSArray", "NSObject"}};
@@ -88,4 +65,4 @@ std::optional<Decimal> unarchiveDecimal(const ArchivedDecimal& archived) {
     return Decimal::fromParts(archived.negative, mantissa, static_cast<int>(archived.exponent));
 }
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

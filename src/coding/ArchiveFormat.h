@@ -11,7 +11,7 @@
 #include "vn/platform/Decimal.h"
 #include "vn/platform/Value.h"
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 
 inline constexpr std::string_view kArchiverKey = "$archiver";
 inline constexpr std::string_view kArchiverName = "NSKeyedArchiver";
@@ -53,10 +53,6 @@ ClassDescription dateClass();
 ClassDescription nullClass();
 ClassDescription decimalClass();
 
-// Whether text is well-formed UTF-8 (no overlong forms, surrogates or code points above
-// U+10FFFF): the property list stores texts as ASCII or UTF-16, so nothing else survives.
-bool isValidUtf8(std::string_view text);
-
 // The platform's decimal value in archived form.
 struct ArchivedDecimal {
     std::int64_t exponent = 0;
@@ -71,4 +67,4 @@ ArchivedDecimal archiveDecimal(const Decimal& value);
 // are not zero). A shorter mantissa is read as if padded with zero bytes.
 std::optional<Decimal> unarchiveDecimal(const ArchivedDecimal& archived);
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 namespace {
 
 constexpr std::size_t kHeaderSize = 8;
@@ -257,4 +257,4 @@ std::optional<std::string> checkBinaryPropertyList(const std::uint8_t* bytes, st
     return Checker(bytes, size).run();
 }
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

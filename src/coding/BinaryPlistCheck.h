@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 
 // Deepest container nesting accepted inside the property list itself. Keyed archives are
 // flat (nesting goes through UIDs), so a handful of levels is all they use.
@@ -26,4 +26,4 @@ inline constexpr int kMaxPropertyListDepth = 64;
 // no larger than the input has bytes. Otherwise the reason, in English.
 std::optional<std::string> checkBinaryPropertyList(const std::uint8_t* bytes, std::size_t size);
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

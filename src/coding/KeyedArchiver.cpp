@@ -12,12 +12,13 @@
 
 #include "coding/ArchiveFormat.h"
 #include "coding/PlistNode.h"
+#include "platform/internal/Utf8.h"
 #include "vn/coding/Coding.h"
 #include "vn/platform/FatalError.h"
 
 namespace vn {
 
-using namespace coding_detail;
+using namespace coding_internal;
 
 namespace {
 
@@ -151,7 +152,9 @@ struct KeyedArchiver::State {
             fail("a text holding a NUL character cannot be archived");
             return 0;
         }
-        if (!isValidUtf8(text)) {
+        // The property list stores texts as ASCII or UTF-16: nothing but well-formed UTF-8
+        // survives.
+        if (!platform_internal::isValidUtf8(text)) {
             fail("a text that is not valid UTF-8 cannot be archived");
             return 0;
         }
@@ -299,7 +302,7 @@ struct KeyedArchiver::State {
             fail("a key holding a NUL character cannot be archived");
             return false;
         }
-        if (!isValidUtf8(key)) {
+        if (!platform_internal::isValidUtf8(key)) {
             fail("a key that is not valid UTF-8 cannot be archived");
             return false;
         }

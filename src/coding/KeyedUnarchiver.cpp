@@ -12,7 +12,7 @@
 
 namespace vn {
 
-using namespace coding_detail;
+using namespace coding_internal;
 
 namespace {
 

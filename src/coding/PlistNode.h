@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vn::coding_detail {
+namespace vn::coding_internal {
 
 struct PlistDeleter {
     void operator()(plist_t node) const { plist_free(node); }
@@ -71,4 +71,4 @@ inline std::string escapedKey(std::string_view key) {
     return stored;
 }
 
-}  // namespace vn::coding_detail
+}  // namespace vn::coding_internal

@@ -26,7 +26,7 @@ DispatchWaitResult DispatchGroup::wait(DispatchTime deadline) {
     std::unique_lock lock(mutex_);
     if (count_ == 0) return DispatchWaitResult::success;
     if (deadline <= std::chrono::steady_clock::now()) return DispatchWaitResult::timedOut;
-    concurrency::BlockingRegion blocking;
+    concurrency_internal::BlockingRegion blocking;
     const auto isEmpty = [this] { return count_ == 0; };
     if (deadline == DispatchTimeForever) {
         emptied_.wait(lock, isEmpty);

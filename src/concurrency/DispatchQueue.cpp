@@ -15,7 +15,7 @@
 #include "vn/platform/FatalError.h"
 
 namespace vn {
-namespace concurrency {
+namespace concurrency_internal {
 namespace {
 
 thread_local CurrentQueueScope* tInnermostScope = nullptr;
@@ -257,9 +257,9 @@ class SerialDispatchQueue final : public DispatchQueue {
 };
 
 }  // namespace
-}  // namespace concurrency
+}  // namespace concurrency_internal
 
-using concurrency::CurrentQueueScope;
+using concurrency_internal::CurrentQueueScope;
 
 DispatchQueue::DispatchQueue(Kind kind, std::string label, long priority)
     : kind_(kind), label_(std::move(label)), priority_(priority) {}
@@ -267,22 +267,22 @@ DispatchQueue::DispatchQueue(Kind kind, std::string label, long priority)
 const DispatchQueuePtr& DispatchQueue::main() {
     // Deliberately leaked: the queue is used from any thread until the process ends.
     static const auto* queue =
-        new DispatchQueuePtr(std::make_shared<concurrency::MainDispatchQueue>());
+        new DispatchQueuePtr(std::make_shared<concurrency_internal::MainDispatchQueue>());
     return *queue;
 }
 
 const DispatchQueuePtr& DispatchQueue::global(long priority) {
     // Deliberately leaked, like the main queue.
-    static const auto* queues =
-        new std::array<DispatchQueuePtr, 4>{std::make_shared<concurrency::GlobalDispatchQueue>(0),
-                                            std::make_shared<concurrency::GlobalDispatchQueue>(1),
-                                            std::make_shared<concurrency::GlobalDispatchQueue>(2),
-                                            std::make_shared<concurrency::GlobalDispatchQueue>(3)};
-    return (*queues)[concurrency::laneOfPriority(priority)];
+    static const auto* queues = new std::array<DispatchQueuePtr, 4>{
+        std::make_shared<concurrency_internal::GlobalDispatchQueue>(0),
+        std::make_shared<concurrency_internal::GlobalDispatchQueue>(1),
+        std::make_shared<concurrency_internal::GlobalDispatchQueue>(2),
+        std::make_shared<concurrency_internal::GlobalDispatchQueue>(3)};
+    return (*queues)[concurrency_internal::laneOfPriority(priority)];
 }
 
 DispatchQueuePtr DispatchQueue::serial(std::string label) {
-    return std::make_shared<concurrency::SerialDispatchQueue>(std::move(label));
+    return std::make_shared<concurrency_internal::SerialDispatchQueue>(std::move(label));
 }
 
 DispatchQueuePtr DispatchQueue::current() {
@@ -321,7 +321,7 @@ void DispatchQueue::sync(const std::function<void()>& work) {
 
 void DispatchQueue::after(DispatchTime deadline, std::function<void()> work) {
     if (!work) return;
-    auto& pool = concurrency::WorkerPool::shared();
+    auto& pool = concurrency_internal::WorkerPool::shared();
     auto timer = std::make_shared<asio::steady_timer>(pool.context(), deadline);
     timer->async_wait([timer, queue = std::static_pointer_cast<DispatchQueue>(shared_from_this()),
                        work = std::move(work)](const asio::error_code&) mutable {

@@ -20,7 +20,7 @@ DispatchWaitResult DispatchSemaphore::wait(DispatchTime deadline) {
     const auto isAvailable = [this] { return value_ > 0; };
     if (!isAvailable()) {
         if (deadline <= std::chrono::steady_clock::now()) return DispatchWaitResult::timedOut;
-        concurrency::BlockingRegion blocking;
+        concurrency_internal::BlockingRegion blocking;
         if (deadline == DispatchTimeForever) {
             available_.wait(lock, isAvailable);
         } else if (!available_.wait_until(lock, deadline, isAvailable)) {

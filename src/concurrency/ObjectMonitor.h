@@ -3,9 +3,9 @@
 
 #include <cstddef>
 
-namespace vn::concurrency {
+namespace vn::concurrency_internal {
 
 // The number of object identities whose monitor is held or awaited right now.
 std::size_t liveObjectMonitorCount();
 
-}  // namespace vn::concurrency
+}  // namespace vn::concurrency_internal

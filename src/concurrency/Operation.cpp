@@ -79,33 +79,43 @@ void Operation::run() {
         return;
     }
     announce(isExecutingKey, KeyValueChange::willChange);
+    bool executing = false;
     {
+        // finish() may have been called from another thread meanwhile: a finished operation
+        // never becomes executing, and its main() is not called.
         std::lock_guard lock(mutex_);
-        executing_ = true;
+        executing = !finishing_ && !finished_;
+        executing_ = executing;
     }
     announce(isExecutingKey, KeyValueChange::didChange);
+    if (!executing) return;
     main();
     if (!isAsynchronous()) finish();
 }
 
+bool Operation::claimFinish(bool& wasExecuting) {
+    std::lock_guard lock(mutex_);
+    if (finishing_ || finished_) return false;
+    finishing_ = true;
+    started_ = true;  // a finishing operation can no longer be started or enqueued
+    wasExecuting = executing_;
+    return true;
+}
+
 void Operation::finish() {
+    // Only the caller that claims the transition announces it, so every willChange is paired
+    // with its didChange even when several threads finish the operation at once.
     bool wasExecuting = false;
-    {
-        std::lock_guard lock(mutex_);
-        if (finished_) return;
-        wasExecuting = executing_;
-    }
+    if (!claimFinish(wasExecuting)) return;
     if (wasExecuting) announce(isExecutingKey, KeyValueChange::willChange);
     announce(isFinishedKey, KeyValueChange::willChange);
     std::vector<std::weak_ptr<Object>> dependents;
     std::function<void()> completion;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     bool startedByQueue = false;
     {
         std::lock_guard lock(mutex_);
-        if (finished_) return;  // a concurrent finish() won
         startedByQueue = startedByQueue_;
-        started_ = true;
         executing_ = false;
         finished_ = true;
         dependents.swap(dependents_);
@@ -133,7 +143,7 @@ void Operation::cancel() {
     }
     announce(isCancelledKey, KeyValueChange::willChange);
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         becameReady = !isReadyLocked() && isWaitingToStartLocked();
@@ -194,7 +204,7 @@ void Operation::addDependency(const OperationPtr& dependency) {
 
 void Operation::removeDependency(const OperationPtr& dependency) {
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         const auto it =
@@ -214,7 +224,7 @@ void Operation::removeDependency(const OperationPtr& dependency) {
 
 void Operation::dependencyFinished(const Operation& dependency) {
     bool becameReady = false;
-    std::shared_ptr<detail::OperationOwner> owner;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner;
     {
         std::lock_guard lock(mutex_);
         const auto it = std::find_if(
@@ -253,7 +263,7 @@ std::function<void()> Operation::completionBlock() const {
 void Operation::waitUntilFinished() {
     std::unique_lock lock(mutex_);
     if (finished_) return;
-    concurrency::BlockingRegion blocking;
+    concurrency_internal::BlockingRegion blocking;
     finishedCondition_.wait(lock, [this] { return finished_; });
 }
 
@@ -267,7 +277,7 @@ void Operation::setName(std::string name) {
     name_ = std::move(name);
 }
 
-bool Operation::attach(std::shared_ptr<detail::OperationOwner> owner) {
+bool Operation::attach(std::shared_ptr<concurrency_internal::OperationOwner> owner) {
     std::lock_guard lock(mutex_);
     if (owner_ || started_ || finished_) return false;
     owner_ = std::move(owner);

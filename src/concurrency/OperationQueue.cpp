@@ -14,7 +14,7 @@ namespace vn {
 
 // The queue's state, shared with its operations while they are enqueued, so that a queue
 // whose owner let go still finishes its work.
-class OperationQueue::Core final : public detail::OperationOwner,
+class OperationQueue::Core final : public concurrency_internal::OperationOwner,
                                    public std::enable_shared_from_this<Core> {
   public:
     explicit Core(DispatchQueuePtr defaultUnderlyingQueue, long maxConcurrent)
@@ -126,7 +126,7 @@ class OperationQueue::Core final : public detail::OperationOwner,
     void waitUntilEmpty() {
         std::unique_lock lock(mutex_);
         if (operations_.empty()) return;
-        concurrency::BlockingRegion blocking;
+        concurrency_internal::BlockingRegion blocking;
         allFinished_.wait(lock, [this] { return operations_.empty(); });
     }
 

@@ -6,7 +6,7 @@
 
 #include "vn/concurrency/DispatchQueue.h"
 
-namespace vn::concurrency {
+namespace vn::concurrency_internal {
 
 class CurrentQueueScope {
   public:
@@ -28,4 +28,4 @@ inline void runWork(const std::function<void()>& work) noexcept {
     work();
 }
 
-}  // namespace vn::concurrency
+}  // namespace vn::concurrency_internal

@@ -60,7 +60,7 @@ class RunLoop::Impl {
             std::lock_guard lock(mutex_);
             batch.swap(pending_);
         }
-        for (const auto& work : batch) concurrency::runWork(work);
+        for (const auto& work : batch) concurrency_internal::runWork(work);
     }
 
     void waitUntil(Clock::time_point until) { io_.run_one_until(until); }

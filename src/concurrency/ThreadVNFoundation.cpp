@@ -64,14 +64,14 @@ MonitorTable& monitors() {
 
 }  // namespace
 
-namespace detail {
+namespace concurrency_internal {
 
 ObjectMonitorLock::ObjectMonitorLock(const void* identity)
     : identity_(identity), monitor_(nullptr) {
     if (!identity_) return;
     Monitor& monitor = monitors().acquireEntry(identity_);
     if (!monitor.mutex.try_lock()) {
-        concurrency::BlockingRegion blocking;
+        concurrency_internal::BlockingRegion blocking;
         monitor.mutex.lock();
     }
     monitor_ = &monitor;
@@ -83,13 +83,13 @@ ObjectMonitorLock::~ObjectMonitorLock() {
     monitors().releaseEntry(identity_);
 }
 
-}  // namespace detail
+}  // namespace concurrency_internal
 
-namespace concurrency {
+namespace concurrency_internal {
 
 std::size_t liveObjectMonitorCount() {
     return monitors().size();
 }
 
-}  // namespace concurrency
+}  // namespace concurrency_internal
 }  // namespace vn

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace vn::concurrency {
+namespace vn::concurrency_internal {
 namespace {
 
 thread_local WorkerPool* tPool = nullptr;
@@ -68,4 +68,4 @@ BlockingRegion::~BlockingRegion() {
     if (pool_) pool_->didUnblock();
 }
 
-}  // namespace vn::concurrency
+}  // namespace vn::concurrency_internal

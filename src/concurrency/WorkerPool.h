@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-namespace vn::concurrency {
+namespace vn::concurrency_internal {
 
 class WorkerPool {
   public:
@@ -72,4 +72,4 @@ class BlockingRegion {
     WorkerPool* pool_;
 };
 
-}  // namespace vn::concurrency
+}  // namespace vn::concurrency_internal

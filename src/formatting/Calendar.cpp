@@ -12,7 +12,7 @@
 #include "vn/platform/Locale.h"
 
 namespace vn {
-namespace formatting {
+namespace formatting_internal {
 
 void makeProleptic(icu::Calendar& calendar) {
     if (auto* gregorian = dynamic_cast<icu::GregorianCalendar*>(&calendar)) {
@@ -21,13 +21,13 @@ void makeProleptic(icu::Calendar& calendar) {
     }
 }
 
-}  // namespace formatting
+}  // namespace formatting_internal
 
 namespace {
 
-using formatting::cloneIcuTimeZone;
-using formatting::dateFromIcu;
-using formatting::icuDate;
+using formatting_internal::cloneIcuTimeZone;
+using formatting_internal::dateFromIcu;
+using formatting_internal::icuDate;
 
 std::unique_ptr<icu::Calendar> makeIcuCalendar(const TimeZone& zone, const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
@@ -38,7 +38,7 @@ std::unique_ptr<icu::Calendar> makeIcuCalendar(const TimeZone& zone, const icu::
         calendar = std::make_unique<icu::GregorianCalendar>(cloneIcuTimeZone(zone), status);
         if (U_FAILURE(status)) fatalError("Calendar: the ICU calendar data is not available");
     }
-    formatting::makeProleptic(*calendar);
+    formatting_internal::makeProleptic(*calendar);
     return calendar;
 }
 
@@ -53,7 +53,7 @@ int field(const icu::Calendar& calendar, UCalendarDateFields which) {
 Calendar::Calendar(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 
 Calendar Calendar::gregorian(const TimeZone& zone) {
-    return formatting::CalendarFactory::make(
+    return formatting_internal::CalendarFactory::make(
         makeIcuCalendar(zone, icu::Locale("en_US_POSIX@calendar=gregorian")));
 }
 
@@ -64,17 +64,17 @@ const Calendar& Calendar::vn() {
 }
 
 Calendar Calendar::current() {
-    return formatting::CalendarFactory::make(
-        makeIcuCalendar(TimeZone::system(), formatting::icuLocale(Locale::current().identifier())));
+    return formatting_internal::CalendarFactory::make(makeIcuCalendar(
+        TimeZone::system(), formatting_internal::icuLocale(Locale::current().identifier())));
 }
 
 Calendar::Calendar(const Calendar& other) : impl_(std::make_unique<Impl>()) {
-    impl_->calendar.reset(formatting::cloneIcuCalendar(other));
+    impl_->calendar.reset(formatting_internal::cloneIcuCalendar(other));
 }
 
 Calendar& Calendar::operator=(const Calendar& other) {
     if (this != &other) {
-        std::unique_ptr<icu::Calendar> copy(formatting::cloneIcuCalendar(other));
+        std::unique_ptr<icu::Calendar> copy(formatting_internal::cloneIcuCalendar(other));
         std::lock_guard lock(impl_->mutex);
         impl_->calendar = std::move(copy);
     }
@@ -96,7 +96,7 @@ TimeZone Calendar::timeZone() const {
         std::lock_guard lock(impl_->mutex);
         icu::UnicodeString id;
         impl_->calendar->getTimeZone().getID(id);
-        identifier = formatting::toUtf8(id);
+        identifier = formatting_internal::toUtf8(id);
     }
     return TimeZone::named(identifier).value_or(TimeZone::gmt());
 }

@@ -17,7 +17,7 @@ struct Calendar::Impl {
     std::unique_ptr<icu::Calendar> calendar;
 };
 
-namespace formatting {
+namespace formatting_internal {
 
 // Makes a Gregorian-based ICU calendar proleptic (Gregorian rules in every year).
 void makeProleptic(icu::Calendar& calendar);
@@ -37,5 +37,5 @@ inline icu::Calendar* cloneIcuCalendar(const Calendar& calendar) {
     return calendar.impl().calendar->clone();
 }
 
-}  // namespace formatting
+}  // namespace formatting_internal
 }  // namespace vn

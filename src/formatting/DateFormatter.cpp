@@ -11,9 +11,9 @@
 namespace vn {
 namespace {
 
-using formatting::icuLocale;
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::icuLocale;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 icu::DateFormat::EStyle icuStyle(DateFormatter::Style style) {
     switch (style) {
@@ -84,13 +84,13 @@ void DateFormatter::prepare() const {
     if (s.icu) return;
     auto format = makeSimpleDateFormat(dateFormat(), s.localeId);
     if (s.calendar) {
-        format->adoptCalendar(formatting::cloneIcuCalendar(*s.calendar));
+        format->adoptCalendar(formatting_internal::cloneIcuCalendar(*s.calendar));
     } else {
         std::unique_ptr<icu::Calendar> calendar(format->getCalendar()->clone());
-        formatting::makeProleptic(*calendar);
+        formatting_internal::makeProleptic(*calendar);
         format->adoptCalendar(calendar.release());
     }
-    format->adoptTimeZone(formatting::cloneIcuTimeZone(s.timeZone));
+    format->adoptTimeZone(formatting_internal::cloneIcuTimeZone(s.timeZone));
     format->setLenient(false);
     s.icu = std::move(format);
 }
@@ -137,7 +137,7 @@ void DateFormatter::setDateFormat(std::string_view pattern) {
 Calendar DateFormatter::calendar() const {
     if (state_->calendar) return *state_->calendar;
     prepare();
-    return formatting::CalendarFactory::make(
+    return formatting_internal::CalendarFactory::make(
         std::unique_ptr<icu::Calendar>(state_->icu->getCalendar()->clone()));
 }
 
@@ -158,7 +158,7 @@ void DateFormatter::setTimeZone(const TimeZone& zone) {
 std::string DateFormatter::stringFromDate(const Date& date) const {
     prepare();
     icu::UnicodeString text;
-    state_->icu->format(formatting::icuDate(date), text);
+    state_->icu->format(formatting_internal::icuDate(date), text);
     return toUtf8(text);
 }
 
@@ -171,7 +171,7 @@ std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
         position.getIndex() != input.length()) {
         return std::nullopt;
     }
-    return formatting::dateFromIcu(parsed);
+    return formatting_internal::dateFromIcu(parsed);
 }
 
 std::string DateFormatter::description() const {

@@ -9,10 +9,10 @@
 namespace vn {
 namespace {
 
-using formatting::threadCachedObject;
+using formatting_internal::threadCachedObject;
 
-formatting::LocaleChangeCacheObserver& dateFormatterObserver() {
-    static auto* observer = new formatting::LocaleChangeCacheObserver(
+formatting_internal::LocaleChangeCacheObserver& dateFormatterObserver() {
+    static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSDateFormatter");  // process-wide, never destroyed
     return *observer;
 }
@@ -43,7 +43,8 @@ DateFormatter::Style styleForRawValue(unsigned raw) {
 DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
     Style dateStyle, Style timeStyle, bool hasMilliseconds,
     const std::optional<std::string>& localeId, bool useCurrentCalendar) {
-    std::string& key = formatting::beginKey(dateFormatterObserver(), "VNNSDateFormatterDateStyle");
+    std::string& key =
+        formatting_internal::beginKey(dateFormatterObserver(), "VNNSDateFormatterDateStyle");
     appendStyle(key, dateStyle);
     key.append("TimeStyle");
     appendStyle(key, timeStyle);
@@ -73,7 +74,8 @@ DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDa
 
 DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
     std::string_view pattern) {
-    std::string& key = formatting::beginKey(dateFormatterObserver(), "VNNSDateFormatterWithFormat");
+    std::string& key =
+        formatting_internal::beginKey(dateFormatterObserver(), "VNNSDateFormatterWithFormat");
     key.append(pattern);
     return threadCachedObject<DateFormatter>(key, [&] {
         auto formatter = std::make_shared<DateFormatter>();

@@ -4,7 +4,7 @@
 #include "vn/platform/Locale.h"
 #include "vn/platform/NotificationCenter.h"
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 
 std::string& reusableKeyBuffer() {
     thread_local std::string buffer;
@@ -37,4 +37,4 @@ std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head
     return key;
 }
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

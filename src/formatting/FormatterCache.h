@@ -15,7 +15,7 @@
 
 #include "vn/concurrency/ThreadVNFoundation.h"
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 
 // The calling thread's key buffer, emptied; valid until the next call on this thread.
 std::string& reusableKeyBuffer();
@@ -39,7 +39,6 @@ class LocaleChangeCacheObserver {
   public:
     explicit constexpr LocaleChangeCacheObserver(std::string_view prefix) : prefix_(prefix) {}
     void registerOnMainThreadOnce();
-    bool isRegistered() const { return registered_.load(std::memory_order_acquire); }
 
   private:
     std::string_view prefix_;
@@ -51,4 +50,4 @@ class LocaleChangeCacheObserver {
 // locale observer when due.
 std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head);
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

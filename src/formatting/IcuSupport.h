@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 
 inline icu::UnicodeString toUnicode(std::string_view text) {
     return icu::UnicodeString::fromUTF8(
@@ -27,4 +27,4 @@ inline icu::Locale icuLocale(std::string_view identifier) {
     return icu::Locale::createCanonical(std::string(identifier).c_str());
 }
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

@@ -17,9 +17,9 @@
 namespace vn {
 namespace {
 
-using formatting::icuLocale;
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::icuLocale;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 enum Affix : std::size_t {
     kPositivePrefix,

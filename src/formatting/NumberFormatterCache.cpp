@@ -11,10 +11,10 @@
 namespace vn {
 namespace {
 
-using formatting::threadCachedObject;
+using formatting_internal::threadCachedObject;
 
-formatting::LocaleChangeCacheObserver& numberFormatterObserver() {
-    static auto* observer = new formatting::LocaleChangeCacheObserver(
+formatting_internal::LocaleChangeCacheObserver& numberFormatterObserver() {
+    static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSNumberFormatter");  // process-wide, never destroyed
     return *observer;
 }
@@ -46,13 +46,13 @@ NumberFormatterPtr plainFormatter(const std::optional<std::string>& localeId) {
 
 NumberFormatterPtr NumberFormatter::numberFormatterForVNPicture(
     std::string_view picture, const std::optional<std::string>& localeId, bool numberHasDecimals) {
-    std::string& key =
-        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterWithVNPicture");
+    std::string& key = formatting_internal::beginKey(numberFormatterObserver(),
+                                                     "VNNSNumberFormatterWithVNPicture");
     key.append(picture);
     appendLocaleId(key, localeId);
     return threadCachedObject<NumberFormatter>(key, [&] {
-        return formatting::makeFormatterForPicture(
-            formatting::translateVNPicture(picture, numberHasDecimals), localeId);
+        return formatting_internal::makeFormatterForPicture(
+            formatting_internal::translateVNPicture(picture, numberHasDecimals), localeId);
     });
 }
 
@@ -64,7 +64,7 @@ NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
 NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
     std::string_view pattern, const std::optional<std::string>& zeroSymbol,
     const std::optional<std::string>& localeId) {
-    std::string& key = formatting::beginKey(
+    std::string& key = formatting_internal::beginKey(
         numberFormatterObserver(),
         zeroSymbol ? "VNNSNumberFormatterWith0Symbol" : "VNNSNumberFormatterWithFormat");
     if (zeroSymbol) {
@@ -85,7 +85,7 @@ NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
     std::uint64_t fractionDigits, std::uint64_t integerDigits,
     const std::optional<std::string>& localeId) {
     std::string& key =
-        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterFraction");
+        formatting_internal::beginKey(numberFormatterObserver(), "VNNSNumberFormatterFraction");
     appendUnsigned(key, fractionDigits);
     key.append("Integer");
     appendUnsigned(key, integerDigits);
@@ -106,13 +106,14 @@ NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
 }
 
 NumberFormatterPtr NumberFormatter::numberFormatterForLocale_en_US_POSIX() {
-    std::string& key = formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatter");
+    std::string& key =
+        formatting_internal::beginKey(numberFormatterObserver(), "VNNSNumberFormatter");
     return threadCachedObject<NumberFormatter>(key, [] { return plainFormatter("en_US_POSIX"); });
 }
 
 NumberFormatterPtr NumberFormatter::decimalNumberFormatterForLocales_en_US_POSIX() {
     std::string& key =
-        formatting::beginKey(numberFormatterObserver(), "VNNSNumberFormatterDecimal");
+        formatting_internal::beginKey(numberFormatterObserver(), "VNNSNumberFormatterDecimal");
     return threadCachedObject<NumberFormatter>(key, [] {
         auto formatter = plainFormatter("en_US_POSIX");
         formatter->setGeneratesDecimalNumbers(true);

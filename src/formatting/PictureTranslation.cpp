@@ -6,7 +6,7 @@
 #include "formatting/Utf8Slices.h"
 #include "vn/formatting/VNNumberWithPictureFormatter.h"
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 namespace {
 
 // How the picture's ends decided the fixed affixes.
@@ -138,4 +138,4 @@ NumberFormatterPtr makeFormatterForPicture(const PictureTranslation& t,
     return formatter;
 }
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

@@ -10,7 +10,7 @@
 
 #include "vn/formatting/NumberFormatter.h"
 
-namespace vn::formatting {
+namespace vn::formatting_internal {
 
 // The characters that stand for themselves in a pattern only when quoted. The digit 9 is
 // absent on purpose: in a picture it is always a digit position, never literal text.
@@ -41,4 +41,4 @@ PictureTranslation translateVNPicture(std::string_view picture, bool numberHasDe
 NumberFormatterPtr makeFormatterForPicture(const PictureTranslation& translation,
                                            const std::optional<std::string>& localeId);
 
-}  // namespace vn::formatting
+}  // namespace vn::formatting_internal

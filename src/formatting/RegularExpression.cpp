@@ -8,8 +8,8 @@
 namespace vn {
 namespace {
 
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 constexpr std::int64_t kInvalidPatternErrorCode = 2048;  // the platform's formatting error
 

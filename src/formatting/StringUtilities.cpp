@@ -2,7 +2,6 @@
 
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -11,12 +10,13 @@
 #include <utility>
 
 #include "formatting/IcuSupport.h"
+#include "platform/internal/Utf8.h"
 
 namespace vn {
 namespace {
 
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 using Replacement = std::pair<std::string_view, std::string_view>;
 
@@ -48,17 +48,13 @@ struct CodePoint {
 std::vector<CodePoint> decode(std::string_view text) {
     std::vector<CodePoint> points;
     points.reserve(text.size());
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    const auto length = static_cast<int32_t>(text.size());
-    int32_t offset = 0;
-    while (offset < length) {
-        const int32_t start = offset;
-        UChar32 c = 0;
-        U8_NEXT(bytes, offset, length, c);
+    for (std::size_t offset = 0; offset < text.size();) {
+        const platform_internal::Utf8Step step = platform_internal::decodeUtf8(text, offset);
         // A malformed byte never equals a real character: keep it apart by its byte value.
-        if (c < 0) c = -1 - static_cast<UChar32>(bytes[start]);
-        points.push_back(
-            {c, static_cast<std::size_t>(start), static_cast<std::size_t>(offset - start)});
+        const UChar32 value = step.wellFormed ? static_cast<UChar32>(step.codePoint)
+                                              : -1 - static_cast<UChar32>(step.codePoint);
+        points.push_back({value, offset, step.length});
+        offset += step.length;
     }
     return points;
 }
@@ -90,13 +86,6 @@ int hexValue(char c) {
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     return -1;
-}
-
-bool isUtf8(std::string_view text) {
-    for (const CodePoint& point : decode(text)) {
-        if (point.value < 0) return false;
-    }
-    return true;
 }
 
 StringSplit splitAround(std::string_view text, const StringRange& range) {
@@ -192,7 +181,7 @@ std::optional<std::string> urlSimpleUnescape(std::string_view text) {
             result += text[i];
         }
     }
-    if (!isUtf8(result)) return std::nullopt;
+    if (!platform_internal::isValidUtf8(result)) return std::nullopt;
     return result;
 }
 

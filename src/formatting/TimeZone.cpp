@@ -13,9 +13,9 @@
 namespace vn {
 namespace {
 
-using formatting::icuDate;
-using formatting::toUnicode;
-using formatting::toUtf8;
+using formatting_internal::icuDate;
+using formatting_internal::toUnicode;
+using formatting_internal::toUtf8;
 
 constexpr int kMaximumOffsetSeconds = 18 * 3600;
 

@@ -15,7 +15,7 @@ struct TimeZone::Impl {
     std::string identifier;
 };
 
-namespace formatting {
+namespace formatting_internal {
 
 // A new ICU zone equal to zone, owned by the caller.
 inline icu::TimeZone* cloneIcuTimeZone(const TimeZone& zone) {
@@ -30,5 +30,5 @@ inline Date dateFromIcu(double milliseconds) {
     return Date::fromTimeIntervalSince1970(milliseconds / 1000.0);
 }
 
-}  // namespace formatting
+}  // namespace formatting_internal
 }  // namespace vn

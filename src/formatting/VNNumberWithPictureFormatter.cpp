@@ -10,7 +10,7 @@
 namespace vn {
 namespace {
 
-using formatting::codePointSlices;
+using formatting_internal::codePointSlices;
 
 bool isDigit(std::string_view slice) {
     return slice.size() == 1 && slice[0] >= '0' && slice[0] <= '9';

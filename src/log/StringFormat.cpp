@@ -1,9 +1,9 @@
 #include "vn/log/StringFormat.h"
 
-#include <locale.h>
-#include <clocale>
 #include <cstdint>
 #include <cstdio>
+
+#include "platform/internal/CLocale.h"
 
 namespace vn {
 namespace {
@@ -35,15 +35,13 @@ class ArgumentReader {
     std::size_t next_ = 0;
 };
 
-// The C locale for numbers, whatever the process's locale is; created once, never freed.
-locale_t cLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
-    return locale;
-}
-
+// Puts the calling thread in the C locale for the scope's life, so that the C library's
+// conversions write numbers with "." whatever the process's locale is.
 class CLocaleScope {
   public:
-    CLocaleScope() : previous_(cLocale() ? uselocale(cLocale()) : nullptr) {}
+    CLocaleScope()
+        : previous_(platform_internal::cLocale() ? uselocale(platform_internal::cLocale())
+                                                 : nullptr) {}
     ~CLocaleScope() {
         if (previous_) uselocale(previous_);
     }

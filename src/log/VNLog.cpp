@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "log/UTF8.h"
+#include "platform/internal/Utf8.h"
 #include "vn/platform/ExecutionEnvironment.h"
 #include "vn/platform/FileSystem.h"
 #include "vn/platform/NotificationCenter.h"
@@ -132,7 +132,7 @@ void VNLog::writeMessage(std::string_view message, bool appendLineEnd) {
     line.reserve(message.size() + 1);
     line.append(message);
     if (appendLineEnd) line.push_back('\n');
-    if (file && log_detail::isValidUTF8(line)) log.writeToFile(line);
+    if (file && platform_internal::isValidUtf8(line)) log.writeToFile(line);
     for (const VNLogListenerPtr& listener : *listeners) listener->logListenerNotifyMessage(line);
 }
 
@@ -193,7 +193,7 @@ std::optional<std::string> VNLog::logString() {
         content.append(buffer, static_cast<std::size_t>(count));
     }
     ::close(descriptor);
-    if (count < 0 || !log_detail::isValidUTF8(content)) return std::nullopt;
+    if (count < 0 || !platform_internal::isValidUtf8(content)) return std::nullopt;
     return content;
 }
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "log/UTF8.h"
+#include "platform/internal/Utf8.h"
 #include "vn/log/VNLog.h"
 #include "vn/platform/StringEncoding.h"
 #include "vn/values/JSON.h"
@@ -63,7 +63,7 @@ std::string_view asText(const Data& data) {
 
 std::optional<std::string> utf8Text(const Data& data) {
     const std::string_view text = asText(data);
-    if (!log_detail::isValidUTF8(text)) return std::nullopt;
+    if (!platform_internal::isValidUtf8(text)) return std::nullopt;
     return std::string(text);
 }
 

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace vn::model {
+namespace vn::model_internal {
 namespace {
 
 bool isASCII(std::string_view text) {
@@ -48,4 +48,4 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lowerCaseWord) {
     return folded == lowerCaseWord;
 }
 
-}  // namespace vn::model
+}  // namespace vn::model_internal

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vn::model {
+namespace vn::model_internal {
 
 // The text lower-cased: ASCII letters directly, any other text by Unicode's root-locale rules.
 std::string lowercased(std::string_view text);
@@ -13,4 +13,4 @@ std::string lowercased(std::string_view text);
 // so that every spelling the platform's case-insensitive comparison accepts matches).
 bool equalsIgnoringCase(std::string_view text, std::string_view lowerCaseWord);
 
-}  // namespace vn::model
+}  // namespace vn::model_internal

@@ -56,7 +56,7 @@ constexpr std::array<std::string_view, 21> kCanonicalNames{
 template <std::size_t N>
 std::optional<VNDataType> lookUp(const std::array<NamedType, N>& table, std::string_view name) {
     for (const NamedType& entry : table) {
-        if (model::equalsIgnoringCase(name, entry.name)) return entry.type;
+        if (model_internal::equalsIgnoringCase(name, entry.name)) return entry.type;
     }
     return std::nullopt;
 }
@@ -87,7 +87,7 @@ bool VNDataTypeIsMultimediaType(VNDataType type) {
 std::optional<std::string> ExtendedDataTypeName(std::optional<std::string_view> typeName,
                                                 std::optional<std::string_view> extendedTypeName) {
     if (!typeName) return std::nullopt;
-    std::string lower = model::lowercased(*typeName);
+    std::string lower = model_internal::lowercased(*typeName);
     if (lower.starts_with("typ/")) return lower.substr(4);
     if (lower == "vn_usrdeftyp" && extendedTypeName) return std::string(*extendedTypeName);
     return std::nullopt;

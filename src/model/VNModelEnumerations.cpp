@@ -30,8 +30,8 @@ std::optional<std::string_view> VNSpecialDomainNameFromDomainType(VNSpecialDomai
 
 VNParameterKind VNParameterKindFromString(std::optional<std::string_view> text) {
     if (!text) return VNParameterKindIn;
-    if (model::equalsIgnoringCase(*text, "inout")) return VNParameterKindInOut;
-    if (model::equalsIgnoringCase(*text, "out")) return VNParameterKindOut;
+    if (model_internal::equalsIgnoringCase(*text, "inout")) return VNParameterKindInOut;
+    if (model_internal::equalsIgnoringCase(*text, "out")) return VNParameterKindOut;
     return VNParameterKindIn;
 }
 

@@ -70,7 +70,7 @@ VNBasedOnType VNBasedOnTypeFromObjectId(std::optional<std::string_view> objectId
 std::optional<VNObjectType> VNObjectHelper::known(std::optional<std::string_view> objectId) {
     if (!objectId || objectId->size() != kIdentifierLength) return std::nullopt;
     for (std::size_t i = 0; i < kIdentifiers.size(); ++i) {
-        if (model::equalsIgnoringCase(*objectId, kIdentifiers[i]))
+        if (model_internal::equalsIgnoringCase(*objectId, kIdentifiers[i]))
             return static_cast<VNObjectType>(i + 1);
     }
     return std::nullopt;
@@ -109,7 +109,7 @@ std::optional<VNObjectEnumReference> VNObjectHelper::parseKnownObjectTypeEnumAnd
 std::optional<std::string> VNObjectHelper::parseObjectName(std::string_view ofType,
                                                            const Value& reference) {
     std::optional<VNObjectReference> parsed = parseObjectTypeAndName(reference);
-    if (!parsed || model::lowercased(parsed->type) != model::lowercased(ofType))
+    if (!parsed || model_internal::lowercased(parsed->type) != model_internal::lowercased(ofType))
         return std::nullopt;
     return std::move(parsed->name);
 }

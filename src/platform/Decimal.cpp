@@ -7,6 +7,8 @@
 #include <functional>
 #include <limits>
 
+#include "platform/internal/HashCombine.h"
+
 namespace vn {
 namespace {
 
@@ -257,8 +259,9 @@ std::size_t Decimal::hash() const {
     if (nan_) return 0x9e3779b9u;
     const auto low = static_cast<std::uint64_t>(mantissa_);
     const auto high = static_cast<std::uint64_t>(mantissa_ >> 64);
-    std::size_t seed = std::hash<std::uint64_t>{}(low) ^ (std::hash<std::uint64_t>{}(high) << 1);
-    seed ^= std::hash<int>{}(exponent_) + 0x9e3779b9u + (seed << 6) + (seed >> 2);
+    std::size_t seed = std::hash<std::uint64_t>{}(low);
+    seed = platform_internal::hashCombine(seed, std::hash<std::uint64_t>{}(high));
+    seed = platform_internal::hashCombine(seed, std::hash<int>{}(exponent_));
     return negative_ ? ~seed : seed;
 }
 

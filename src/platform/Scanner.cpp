@@ -1,13 +1,12 @@
 #include "vn/platform/Scanner.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdlib>
 #include <limits>
+#include <type_traits>
 
-#include <locale.h>
-
+#include "platform/internal/DecimalReading.h"
+#include "platform/internal/Utf8.h"
 #include "vn/platform/Exception.h"
 
 namespace vn {
@@ -20,36 +19,11 @@ struct DecodedCharacter {
     std::size_t length;
 };
 
-// Decodes the UTF-8 sequence at text[i]; a malformed or truncated sequence is one byte that
-// stands for U+FFFD, so a scan always moves on.
+// The character at text[i]; a byte that starts no well-formed sequence stands for U+FFFD, so
+// a scan always moves on.
 DecodedCharacter decodeAt(std::string_view text, std::size_t i) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    if (lead < 0x80) return {lead, 1};
-    std::size_t length = 0;
-    char32_t codePoint = 0;
-    if ((lead & 0xE0) == 0xC0) {
-        length = 2;
-        codePoint = lead & 0x1F;
-    } else if ((lead & 0xF0) == 0xE0) {
-        length = 3;
-        codePoint = lead & 0x0F;
-    } else if ((lead & 0xF8) == 0xF0) {
-        length = 4;
-        codePoint = lead & 0x07;
-    } else {
-        return {kReplacementCharacter, 1};
-    }
-    if (i + length > text.size()) return {kReplacementCharacter, 1};
-    for (std::size_t k = 1; k < length; ++k) {
-        const auto continuation = static_cast<unsigned char>(text[i + k]);
-        if ((continuation & 0xC0) != 0x80) return {kReplacementCharacter, 1};
-        codePoint = (codePoint << 6) | (continuation & 0x3F);
-    }
-    static constexpr std::array<char32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
-    const bool overlong = codePoint < kSmallest[length];
-    const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
-    if (overlong || surrogate || codePoint > 0x10FFFF) return {kReplacementCharacter, 1};
-    return {codePoint, length};
+    const platform_internal::Utf8Step step = platform_internal::decodeUtf8(text, i);
+    return {step.wellFormed ? step.codePoint : kReplacementCharacter, step.length};
 }
 
 bool isDigit(char c) {
@@ -67,18 +41,7 @@ std::size_t digitsEnd(std::string_view text, std::size_t from) {
 
 Scanner::CharacterSet makeSet(std::u32string_view members) {
     std::string utf8;
-    for (const char32_t c : members) {
-        if (c < 0x80) {
-            utf8 += static_cast<char>(c);
-        } else if (c < 0x800) {
-            utf8 += static_cast<char>(0xC0 | (c >> 6));
-            utf8 += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            utf8 += static_cast<char>(0xE0 | (c >> 12));
-            utf8 += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            utf8 += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
+    for (const char32_t c : members) platform_internal::appendUtf8(utf8, c);
     return Scanner::CharacterSet(utf8);
 }
 
@@ -86,22 +49,6 @@ constexpr std::u32string_view kSpaces =
     U" \t\u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u202F\u205F"
     U"\u3000";
 constexpr std::u32string_view kNewlines = U"\n\v\f\r\u0085\u2028\u2029";
-
-// strtod()/strtof() in the C locale whatever the process's locale is; used only for values
-// beyond the floating type's range, which std::from_chars does not produce.
-locale_t cLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
-    return locale;
-}
-
-template <typename Floating>
-Floating strtoInCLocale(const std::string& text) {
-    if constexpr (std::is_same_v<Floating, float>) {
-        return strtof_l(text.c_str(), nullptr, cLocale());
-    } else {
-        return strtod_l(text.c_str(), nullptr, cLocale());
-    }
-}
 
 }  // namespace
 
@@ -275,7 +222,13 @@ void scanWithSeparator(std::string_view syntax, std::string_view separator, Floa
     Floating value = 0;
     const auto [ignored, error] =
         std::from_chars(rewritten.data(), rewritten.data() + rewritten.size(), value);
-    if (error == std::errc::result_out_of_range) value = strtoInCLocale<Floating>(rewritten);
+    if (error == std::errc::result_out_of_range) {
+        if constexpr (std::is_same_v<Floating, float>) {
+            value = platform_internal::strtofInCLocale(rewritten);
+        } else {
+            value = platform_internal::strtodInCLocale(rewritten);
+        }
+    }
     if (result) *result = value;
 }
 
@@ -297,139 +250,26 @@ bool Scanner::scanFloatingWithSeparator(std::size_t start, float* result) {
     return true;
 }
 
-namespace {
-
-// The mantissas and powers of ten a floating type holds exactly. A number whose decimal
-// mantissa and power of ten both fit is the correctly rounded result of one multiplication or
-// division of the two, which is what strtod returns for its text (Clinger's fast path).
-// A mantissa of more significant digits than maxDigits is beyond maxMantissa.
-template <typename Floating>
-struct ExactRange;
-template <>
-struct ExactRange<double> {
-    static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 53;
-    static constexpr int maxDigits = 16;
-    static constexpr int maxPowerOfTen = 22;
-};
-template <>
-struct ExactRange<float> {
-    static constexpr std::uint64_t maxMantissa = std::uint64_t{1} << 24;
-    static constexpr int maxDigits = 8;
-    static constexpr int maxPowerOfTen = 10;
-};
-
-template <typename Floating>
-constexpr std::array<Floating, ExactRange<Floating>::maxPowerOfTen + 1> exactPowersOfTen() {
-    std::array<Floating, ExactRange<Floating>::maxPowerOfTen + 1> powers{};
-    Floating power = 1;
-    for (Floating& entry : powers) {
-        entry = power;
-        power *= 10;
-    }
-    return powers;
+std::size_t Scanner::readDoubleWithPoint(std::string_view text, std::size_t at, double* result) {
+    return platform_internal::readDecimalWithPoint(text, at, result);
 }
 
-struct DecimalDigits {
-    std::uint64_t mantissa = 0;
-    int powerOfTen = 0;
-    std::size_t end = 0;
-};
+std::size_t Scanner::readFloatWithPoint(std::string_view text, std::size_t at, float* result) {
+    return platform_internal::readDecimalWithPoint(text, at, result);
+}
 
-// Reads digits at i into the mantissa; false as soon as the significant digits outnumber
-// maxDigits. Leading zeros are not significant.
-template <int maxDigits>
-bool readDigits(std::string_view text, std::size_t& i, DecimalDigits& digits, int& significant,
-                int powerStep) {
-    for (; i < text.size() && isDigit(text[i]); ++i) {
-        const auto digit = static_cast<std::uint64_t>(text[i] - '0');
-        digits.powerOfTen += powerStep;
-        if (digits.mantissa == 0 && digit == 0) continue;
-        if (++significant > maxDigits) return false;
-        digits.mantissa = digits.mantissa * 10 + digit;
-    }
+bool Scanner::scanFloatingWithPoint(std::size_t start, double* result) {
+    return moveAfterNumber(start, platform_internal::readDecimalWithPoint(text_, start, result));
+}
+
+bool Scanner::scanFloatingWithPoint(std::size_t start, float* result) {
+    return moveAfterNumber(start, platform_internal::readDecimalWithPoint(text_, start, result));
+}
+
+bool Scanner::moveAfterNumber(std::size_t start, std::size_t end) {
+    if (end == start) return false;
+    location_ = end;
     return true;
-}
-
-// Reads [digits][.digits][(e|E)[sign]digits] at `at` when the mantissa has few enough digits
-// to be exact; false otherwise, and for no digit at all, leaving such texts to the general
-// reader. (Results travel through an out parameter: an optional returned from here costs a
-// store-forwarding stall per call.)
-template <typename Floating>
-[[gnu::always_inline]] inline bool readSmallDecimal(std::string_view text, std::size_t at,
-                                                    DecimalDigits& digits) {
-    constexpr int kMaxDigits = ExactRange<Floating>::maxDigits;
-    constexpr int kMaxExponentMagnitude = 9999;
-    int significant = 0;
-    std::size_t i = at;
-    if (!readDigits<kMaxDigits>(text, i, digits, significant, 0)) return false;
-    bool anyDigit = i > at;
-    if (i < text.size() && text[i] == '.') {
-        const std::size_t fraction = ++i;
-        if (!readDigits<kMaxDigits>(text, i, digits, significant, -1)) return false;
-        anyDigit = anyDigit || i > fraction;
-    }
-    if (!anyDigit) return false;
-    digits.end = i;
-    if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
-        std::size_t j = i + 1;
-        const bool negative = j < text.size() && text[j] == '-';
-        if (j < text.size() && (text[j] == '+' || text[j] == '-')) ++j;
-        if (j < text.size() && isDigit(text[j])) {
-            int exponent = 0;
-            for (; j < text.size() && isDigit(text[j]); ++j) {
-                exponent = exponent * 10 + (text[j] - '0');
-                if (exponent > kMaxExponentMagnitude) return false;
-            }
-            digits.powerOfTen += negative ? -exponent : exponent;
-            digits.end = j;
-        }
-    }
-    return true;
-}
-
-template <typename Floating>
-bool readExactValue(const DecimalDigits& digits, Floating& value) {
-    using Range = ExactRange<Floating>;
-    static constexpr auto kPowers = exactPowersOfTen<Floating>();
-    if (digits.mantissa > Range::maxMantissa) return false;
-    if (digits.powerOfTen < -Range::maxPowerOfTen || digits.powerOfTen > Range::maxPowerOfTen)
-        return false;
-    const auto mantissa = static_cast<Floating>(digits.mantissa);
-    value = digits.powerOfTen < 0 ? mantissa / kPowers[static_cast<std::size_t>(-digits.powerOfTen)]
-                                  : mantissa * kPowers[static_cast<std::size_t>(digits.powerOfTen)];
-    return true;
-}
-
-template <typename Floating>
-bool computeExactly(std::string_view text, std::size_t body, bool negative, Floating* result,
-                    std::size_t& end) {
-    DecimalDigits digits;
-    Floating exact = 0;
-    if (!readSmallDecimal<Floating>(text, body, digits) || !readExactValue(digits, exact))
-        return false;
-    if (result) *result = negative ? -exact : exact;
-    end = digits.end;
-    return true;
-}
-
-}  // namespace
-
-bool Scanner::readExactly(std::string_view text, std::size_t body, bool negative, double* result,
-                          std::size_t& end) {
-    return computeExactly(text, body, negative, result, end);
-}
-
-bool Scanner::readExactly(std::string_view text, std::size_t body, bool negative, float* result,
-                          std::size_t& end) {
-    return computeExactly(text, body, negative, result, end);
-}
-
-double Scanner::beyondRange(const char* begin, const char* end, double) {
-    return strtoInCLocale<double>(std::string(begin, end));
-}
-
-float Scanner::beyondRange(const char* begin, const char* end, float) {
-    return strtoInCLocale<float>(std::string(begin, end));
 }
 
 std::optional<double> Scanner::scanDouble() {

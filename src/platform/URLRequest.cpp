@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "platform/HTTPHeaderNames.h"
+#include "platform/internal/HTTPHeaderNames.h"
 
 namespace vn {
 
-using platform_detail::headerNamesEqual;
+using platform_internal::headerNamesEqual;
 
 void URLRequest::setValue(std::optional<std::string> value, std::string_view forHTTPHeaderField) {
     const std::string_view name = forHTTPHeaderField;
@@ -28,7 +28,7 @@ void URLRequest::setValue(std::optional<std::string> value, std::string_view for
 
 std::optional<std::string> URLRequest::valueForHTTPHeaderField(std::string_view name) const {
     if (!headerFields_) return std::nullopt;
-    const auto value = platform_detail::headerFieldValue(*headerFields_, name);
+    const auto value = platform_internal::headerFieldValue(*headerFields_, name);
     if (!value) return std::nullopt;
     return std::string(*value);
 }

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <charconv>
 
-#include "platform/HTTPHeaderNames.h"
+#include "platform/internal/HTTPHeaderNames.h"
 
 namespace vn {
 namespace {
 
-using platform_detail::asciiLowercase;
-using platform_detail::headerFieldValue;
-using platform_detail::headerNamesEqual;
+using platform_internal::asciiLowercase;
+using platform_internal::headerFieldValue;
+using platform_internal::headerNamesEqual;
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");

@@ -3,8 +3,13 @@
 #include <cstdio>
 #include <functional>
 
+#include "platform/internal/HashCombine.h"
+#include "platform/internal/Utf8.h"
+
 namespace vn {
 namespace {
+
+using platform_internal::hashCombine;
 
 const ObjectPtr kNoObject;
 const Value kNil;
@@ -20,25 +25,12 @@ bool isPlainWord(std::string_view text) {
     return true;
 }
 
-// Decodes one UTF-8 sequence at text[i]; an invalid byte is taken as itself (Latin-1).
+// The code point at text[i]; a byte that starts no well-formed sequence is taken as itself
+// (Latin-1), so that nothing of a malformed text is lost from its description.
 char32_t nextCodePoint(std::string_view text, std::size_t& i) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    const int length = lead < 0x80 ? 1 : (lead >> 5) == 0x6 ? 2 : (lead >> 4) == 0xE ? 3 : (lead >> 3) == 0x1E ? 4 : 0;
-    if (length <= 1 || i + static_cast<std::size_t>(length) > text.size()) {
-        ++i;
-        return lead;
-    }
-    char32_t code = lead & (0x7F >> length);
-    for (int k = 1; k < length; ++k) {
-        const auto continuation = static_cast<unsigned char>(text[i + static_cast<std::size_t>(k)]);
-        if ((continuation & 0xC0) != 0x80) {
-            ++i;
-            return lead;
-        }
-        code = (code << 6) | (continuation & 0x3F);
-    }
-    i += static_cast<std::size_t>(length);
-    return code;
+    const platform_internal::Utf8Step step = platform_internal::decodeUtf8(text, i);
+    i += step.length;
+    return step.codePoint;
 }
 
 // A string inside a collection's description: bare when it is a plain word, otherwise quoted
@@ -88,10 +80,6 @@ void appendDataDescription(std::string& out, const Data& data) {
         out += hex;
     }
     out += '}';
-}
-
-std::size_t combine(std::size_t seed, std::size_t value) {
-    return seed ^ (value + 0x9e3779b97f4a7c15ULL + (seed << 6) + (seed >> 2));
 }
 
 }  // namespace
@@ -204,13 +192,14 @@ std::size_t Value::hash() const {
         case Kind::date: return std::hash<double>{}(date()->timeIntervalSinceReferenceDate);
         case Kind::array: {
             std::size_t seed = array()->size();
-            for (const Value& element : *array()) seed = combine(seed, element.hash());
+            for (const Value& element : *array()) seed = hashCombine(seed, element.hash());
             return seed;
         }
         case Kind::dictionary: {
             std::size_t seed = dictionary()->size();
             for (const auto& [key, element] : *dictionary()) {
-                seed = combine(combine(seed, std::hash<std::string>{}(key)), element.hash());
+                seed = hashCombine(seed, std::hash<std::string>{}(key));
+                seed = hashCombine(seed, element.hash());
             }
             return seed;
         }

@@ -8,7 +8,7 @@
 #include "vn/properties/VNCodingPropertiesObject.h"
 #include "vn/properties/VNMutableCodingPropertiesObject.h"
 
-namespace vn::properties_detail {
+namespace vn::properties_internal {
 namespace {
 
 // The class name the platform's runtime gives the classes of this module.
@@ -73,4 +73,4 @@ bool registerPropertiesCodingClasses() {
     return true;
 }
 
-}  // namespace vn::properties_detail
+}  // namespace vn::properties_internal

@@ -8,7 +8,7 @@
 #include "vn/coding/Coder.h"
 #include "vn/platform/Value.h"
 
-namespace vn::properties_detail {
+namespace vn::properties_internal {
 
 // value itself when it is keyed-codable (nil included); otherwise stops the process with a
 // message naming the class, the property and the offending value's class.
@@ -24,4 +24,4 @@ std::optional<Value::Dictionary> decodePropertiesDictionary(Coder& coder,
 // from both classes' source files, so whichever one the program links registers both.
 bool registerPropertiesCodingClasses();
 
-}  // namespace vn::properties_detail
+}  // namespace vn::properties_internal

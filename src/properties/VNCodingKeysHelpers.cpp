@@ -41,7 +41,7 @@ std::optional<std::int64_t> VNCodingValueType<std::int64_t>::from(const Value& v
     }
 }
 
-namespace coding_keys_detail {
+namespace properties_internal {
 
 void logToLoggerService(const std::string& message) {
     if (const auto logger = VNFoundationServices::loggerService()) {
@@ -49,6 +49,6 @@ void logToLoggerService(const std::string& message) {
     }
 }
 
-}  // namespace coding_keys_detail
+}  // namespace properties_internal
 
 }  // namespace vn

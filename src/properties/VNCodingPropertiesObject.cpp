@@ -7,19 +7,19 @@ namespace {
 
 constexpr std::string_view kClassName = "VNCodingPropertiesObject";
 
-[[maybe_unused]] const bool kRegistered = properties_detail::registerPropertiesCodingClasses();
+[[maybe_unused]] const bool kRegistered = properties_internal::registerPropertiesCodingClasses();
 
 }  // namespace
 
 std::shared_ptr<VNCodingPropertiesObject> VNCodingPropertiesObject::initWithCoder(Coder& coder) {
-    auto properties = properties_detail::decodePropertiesDictionary(coder, kClassName);
+    auto properties = properties_internal::decodePropertiesDictionary(coder, kClassName);
     if (!properties) return nullptr;
     return std::make_shared<VNCodingPropertiesObject>(std::move(*properties));
 }
 
 Value VNCodingPropertiesObject::getCodingPropertyValue(std::string_view name) const {
-    return properties_detail::requireKeyedCodable(VNPropertiesObject::getPropertyValue(name),
-                                                  kClassName, name);
+    return properties_internal::requireKeyedCodable(VNPropertiesObject::getPropertyValue(name),
+                                                    kClassName, name);
 }
 
 Value VNCodingPropertiesObject::getPropertyValue(std::string_view name) const {

@@ -7,20 +7,20 @@ namespace {
 
 constexpr std::string_view kClassName = "VNMutableCodingPropertiesObject";
 
-[[maybe_unused]] const bool kRegistered = properties_detail::registerPropertiesCodingClasses();
+[[maybe_unused]] const bool kRegistered = properties_internal::registerPropertiesCodingClasses();
 
 }  // namespace
 
 std::shared_ptr<VNMutableCodingPropertiesObject> VNMutableCodingPropertiesObject::initWithCoder(
     Coder& coder) {
-    auto properties = properties_detail::decodePropertiesDictionary(coder, kClassName);
+    auto properties = properties_internal::decodePropertiesDictionary(coder, kClassName);
     if (!properties) return nullptr;
     return std::make_shared<VNMutableCodingPropertiesObject>(std::move(*properties));
 }
 
 Value VNMutableCodingPropertiesObject::getCodingPropertyValue(std::string_view name) const {
-    return properties_detail::requireKeyedCodable(VNPropertiesObject::getPropertyValue(name),
-                                                  kClassName, name);
+    return properties_internal::requireKeyedCodable(VNPropertiesObject::getPropertyValue(name),
+                                                    kClassName, name);
 }
 
 Value VNMutableCodingPropertiesObject::getPropertyValue(std::string_view name) const {
@@ -34,7 +34,7 @@ void VNMutableCodingPropertiesObject::setPropertyValue(const Value& value, std::
 void VNMutableCodingPropertiesObject::setCodingPropertyValue(const Value& value,
                                                              std::string_view name) {
     VNMutablePropertiesObject::setPropertyValue(
-        properties_detail::requireKeyedCodable(value, kClassName, name), name);
+        properties_internal::requireKeyedCodable(value, kClassName, name), name);
 }
 
 void VNMutableCodingPropertiesObject::encodeWithCoder(Coder& coder) const {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/internal/Utf8.h"
 #include "vn/platform/FatalError.h"
 #include "vn/platform/Scanner.h"
 
@@ -206,54 +207,6 @@ std::optional<Value> parse(std::string_view text, std::string& failure) {
 
 constexpr std::size_t kGeneratorDepthLimit = YAJL_MAX_DEPTH - 1;
 
-// The length of the well-formed UTF-8 sequence at text[i], or 0 when it is not one (a stray
-// continuation byte, a truncated or overlong sequence, a surrogate, a code point beyond U+10FFFF).
-std::size_t sequenceLength(std::string_view text, std::size_t i) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    if (lead < 0x80) return 1;
-    const std::size_t length = (lead & 0xE0) == 0xC0   ? 2
-                               : (lead & 0xF0) == 0xE0 ? 3
-                               : (lead & 0xF8) == 0xF0 ? 4
-                                                       : 0;
-    if (length == 0 || i + length > text.size()) return 0;
-    char32_t codePoint = lead & (0x7F >> length);
-    for (std::size_t k = 1; k < length; ++k) {
-        const auto continuation = static_cast<unsigned char>(text[i + k]);
-        if ((continuation & 0xC0) != 0x80) return 0;
-        codePoint = (codePoint << 6) | (continuation & 0x3F);
-    }
-    static constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
-    if (codePoint < kSmallest[length] || codePoint > 0x10FFFF || surrogate) return 0;
-    return length;
-}
-
-bool isValidUTF8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = sequenceLength(text, i);
-        if (length == 0) return false;
-        i += length;
-    }
-    return true;
-}
-
-// The text with every byte that is not part of a well-formed sequence replaced by U+FFFD.
-std::string validUTF8(std::string_view text) {
-    std::string result;
-    result.reserve(text.size() + 8);
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = sequenceLength(text, i);
-        if (length == 0) {
-            result += "\xEF\xBF\xBD";
-            ++i;
-        } else {
-            result.append(text.substr(i, length));
-            i += length;
-        }
-    }
-    return result;
-}
-
 class Generator {
   public:
     explicit Generator(JSONWritingStyle style) : generator_(yajl_gen_alloc(nullptr)) {
@@ -324,13 +277,13 @@ class Generator {
     }
 
     void writeString(std::string_view text) {
-        if (isValidUTF8(text)) {
+        if (platform_internal::isValidUtf8(text)) {
             check(yajl_gen_string(generator_.get(),
                                   reinterpret_cast<const unsigned char*>(text.data()),
                                   text.size()));
             return;
         }
-        const std::string valid = validUTF8(text);
+        const std::string valid = platform_internal::replacingInvalidUtf8(text);
         check(yajl_gen_string(generator_.get(),
                               reinterpret_cast<const unsigned char*>(valid.data()), valid.size()));
     }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/internal/DecimalReading.h"
 #include "vn/platform/Locale.h"
 #include "vn/platform/Scanner.h"
 
@@ -16,13 +17,6 @@ bool scanScalar(Scanner& scanner, double* value) {
 }
 bool scanScalar(Scanner& scanner, Decimal* value) {
     return scanner.scanDecimal(value);
-}
-
-std::size_t readWithPoint(std::string_view text, double* value) {
-    return Scanner::readDoubleWithPoint(text, 0, value);
-}
-std::size_t readWithPoint(std::string_view text, float* value) {
-    return Scanner::readFloatWithPoint(text, 0, value);
 }
 
 // Whether the character at `at`, right after a number read with ".", can be the start of no
@@ -61,7 +55,9 @@ template <typename Scalar>
 std::optional<Number> floatingTextNumber(std::string_view text) {
     if constexpr (!std::is_same_v<Scalar, Decimal>) {
         Scalar value{};
-        if (!text.empty() && readWithPoint(text, &value) == text.size()) return Number(value);
+        if (!text.empty() &&
+            platform_internal::readDecimalWithPoint(text, 0, &value) == text.size())
+            return Number(value);
     }
     return scannedTextNumber<Scalar>(text);
 }

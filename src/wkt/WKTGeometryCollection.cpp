@@ -25,17 +25,18 @@ WKTGeometryCollection::WKTGeometryCollection() : WKTGeometry("GeometryCollection
 
 void WKTGeometryCollection::addGeometry(const ObjectPtr& geometry) {
     constexpr std::string_view kName = "WKTGeometryCollection [addGeometry]";
-    if (!geometry) wkt_detail::raise(kName, "Parameter Geometry is nil");
+    if (!geometry) wkt_internal::raise(kName, "Parameter Geometry is nil");
     if (!isMemberClass(*geometry))
-        wkt_detail::raise(kName, "Geometry is invalid (WKT Geometry not recognised)");
+        wkt_internal::raise(kName, "Geometry is invalid (WKT Geometry not recognised)");
     geometries_.push_back(std::static_pointer_cast<WKTGeometry>(geometry));
 }
 
 void WKTGeometryCollection::copyTo(const std::shared_ptr<WKTGeometryCollection>& other) const {
     if (!other)
-        wkt_detail::raise("WKTGeometryCollection [copyTo]", "Parameter Geometry Collection is nil");
+        wkt_internal::raise("WKTGeometryCollection [copyTo]",
+                            "Parameter Geometry Collection is nil");
     copyKindTo(*other);
-    other->geometries_ = wkt_detail::copiedMembers(geometries_);
+    other->geometries_ = wkt_internal::copiedMembers(geometries_);
 }
 
 std::string WKTGeometryCollection::description() const {
@@ -62,11 +63,11 @@ bool WKTGeometryCollection::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& collection = static_cast<const WKTGeometryCollection&>(other);
     return dimensions() == collection.dimensions() &&
-           wkt_detail::membersEqual(geometries_, collection.geometries_);
+           wkt_internal::membersEqual(geometries_, collection.geometries_);
 }
 
 std::size_t WKTGeometryCollection::hash() const {
-    return wkt_detail::membersHash(dimensions(), geometries_);
+    return wkt_internal::membersHash(dimensions(), geometries_);
 }
 
 }  // namespace vn

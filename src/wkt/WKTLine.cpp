@@ -7,7 +7,7 @@
 namespace vn {
 namespace {
 
-constexpr wkt_detail::MemberRules kPointRules{
+constexpr wkt_internal::MemberRules kPointRules{
     "WKTLine [setListPoints]",
     "Parameter points is nil",
     "Parameter points have a class that is not WKTPoint",
@@ -23,11 +23,11 @@ WKTLine::WKTLine(std::vector<WKTPointPtr> points) : WKTLine() {
 }
 
 void WKTLine::setListPoints(std::vector<WKTPointPtr> points) {
-    wkt_detail::appendMembers(points_, *this, std::move(points), kPointRules);
+    wkt_internal::appendMembers(points_, *this, std::move(points), kPointRules);
 }
 
 void WKTLine::setListPoints(const Value& points) {
-    wkt_detail::appendMembers(points_, *this, points, kPointRules);
+    wkt_internal::appendMembers(points_, *this, points, kPointRules);
 }
 
 void WKTLine::removeListPoints() {
@@ -36,18 +36,18 @@ void WKTLine::removeListPoints() {
 }
 
 void WKTLine::copyTo(const std::shared_ptr<WKTLine>& other) const {
-    if (!other) wkt_detail::raise("WKTLine [copyTo]", "Parameter Line is nil");
+    if (!other) wkt_internal::raise("WKTLine [copyTo]", "Parameter Line is nil");
     copyKindTo(*other);
-    other->points_ = wkt_detail::copiedMembers(points_);
+    other->points_ = wkt_internal::copiedMembers(points_);
 }
 
 std::string WKTLine::description() const {
-    return wkt_detail::joinedDescriptions(points_, false);
+    return wkt_internal::joinedDescriptions(points_, false);
 }
 
 std::string WKTLine::toWKT() const {
-    return wkt_detail::listWKT(points_.size(), dimensions(), "LINESTRING", "LINESTRINGZ",
-                               "LINESTRING EMPTY", description());
+    return wkt_internal::listWKT(points_.size(), dimensions(), "LINESTRING", "LINESTRINGZ",
+                                 "LINESTRING EMPTY", description());
 }
 
 std::shared_ptr<WKTGeometry> WKTLine::copy() const {
@@ -60,11 +60,11 @@ std::shared_ptr<WKTGeometry> WKTLine::copy() const {
 bool WKTLine::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& line = static_cast<const WKTLine&>(other);
-    return dimensions() == line.dimensions() && wkt_detail::membersEqual(points_, line.points_);
+    return dimensions() == line.dimensions() && wkt_internal::membersEqual(points_, line.points_);
 }
 
 std::size_t WKTLine::hash() const {
-    return wkt_detail::membersHash(dimensions(), points_);
+    return wkt_internal::membersHash(dimensions(), points_);
 }
 
 MapPolyline WKTLine::toMapLine() const {

@@ -7,7 +7,7 @@
 namespace vn {
 namespace {
 
-constexpr wkt_detail::MemberRules kLineRules{
+constexpr wkt_internal::MemberRules kLineRules{
     "WKTLineM [setListLines]",
     "Parameter points is nil",
     "Parameter lines have a class that is not WKTLine",
@@ -23,11 +23,11 @@ WKTLineM::WKTLineM(std::vector<WKTLinePtr> lines) : WKTLineM() {
 }
 
 void WKTLineM::setListLines(std::vector<WKTLinePtr> lines) {
-    wkt_detail::appendMembers(lines_, *this, std::move(lines), kLineRules);
+    wkt_internal::appendMembers(lines_, *this, std::move(lines), kLineRules);
 }
 
 void WKTLineM::setListLines(const Value& lines) {
-    wkt_detail::appendMembers(lines_, *this, lines, kLineRules);
+    wkt_internal::appendMembers(lines_, *this, lines, kLineRules);
 }
 
 void WKTLineM::removeListLines() {
@@ -36,18 +36,18 @@ void WKTLineM::removeListLines() {
 }
 
 void WKTLineM::copyTo(const std::shared_ptr<WKTLineM>& other) const {
-    if (!other) wkt_detail::raise("WKTLineM [copyTo]", "Parameter Multi Line is nil");
+    if (!other) wkt_internal::raise("WKTLineM [copyTo]", "Parameter Multi Line is nil");
     copyKindTo(*other);
-    other->lines_ = wkt_detail::copiedMembers(lines_);
+    other->lines_ = wkt_internal::copiedMembers(lines_);
 }
 
 std::string WKTLineM::description() const {
-    return wkt_detail::joinedDescriptions(lines_, true);
+    return wkt_internal::joinedDescriptions(lines_, true);
 }
 
 std::string WKTLineM::toWKT() const {
-    return wkt_detail::listWKT(lines_.size(), dimensions(), "MULTILINESTRING", "MULTILINESTRINGZ",
-                               "MULTILINESTRING EMPTY", description());
+    return wkt_internal::listWKT(lines_.size(), dimensions(), "MULTILINESTRING", "MULTILINESTRINGZ",
+                                 "MULTILINESTRING EMPTY", description());
 }
 
 std::shared_ptr<WKTGeometry> WKTLineM::copy() const {
@@ -61,11 +61,11 @@ bool WKTLineM::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& multiLine = static_cast<const WKTLineM&>(other);
     return dimensions() == multiLine.dimensions() &&
-           wkt_detail::membersEqual(lines_, multiLine.lines_);
+           wkt_internal::membersEqual(lines_, multiLine.lines_);
 }
 
 std::size_t WKTLineM::hash() const {
-    return wkt_detail::membersHash(dimensions(), lines_);
+    return wkt_internal::membersHash(dimensions(), lines_);
 }
 
 MapMultiPolyline WKTLineM::toMapMultiLine() const {

@@ -4,7 +4,7 @@
 
 #include "vn/platform/Exception.h"
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 void raise(std::string_view name, std::string_view reason) {
     throw Exception(std::string(name), std::string(reason));
@@ -29,4 +29,4 @@ std::string listWKT(std::size_t memberCount, std::int32_t dimensions, std::strin
     return text;
 }
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -10,10 +10,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/internal/HashCombine.h"
 #include "vn/platform/Value.h"
 #include "vn/wkt/WKTGeometry.h"
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 // The exception name and reasons of one member-setting method.
 struct MemberRules {
@@ -28,11 +29,6 @@ struct MemberRules {
 
 // Appends "%f" of value (six decimals, decimal point whatever the process locale).
 void appendFixed(std::string& out, double value);
-
-// Mixes a value's hash into seed.
-inline void hashCombine(std::size_t& seed, std::size_t value) {
-    seed ^= value + 0x9e3779b97f4a7c15ULL + (seed << 6) + (seed >> 2);
-}
 
 // Hash of a coordinate that agrees with ==: 0.0 and -0.0 hash alike.
 inline std::size_t coordinateHash(double value) {
@@ -102,7 +98,7 @@ bool membersEqual(const MemberList<Member>& a, const MemberList<Member>& b) {
 template <class Member>
 std::size_t membersHash(std::int32_t dimensions, const MemberList<Member>& list) {
     std::size_t seed = std::hash<std::int32_t>{}(dimensions);
-    for (const auto& member : list) hashCombine(seed, member->hash());
+    for (const auto& member : list) seed = platform_internal::hashCombine(seed, member->hash());
     return seed;
 }
 
@@ -134,4 +130,4 @@ std::string listWKT(std::size_t memberCount, std::int32_t dimensions, std::strin
                     std::string_view keyword3D, std::string_view emptyText,
                     const std::string& description);
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -4,18 +4,12 @@
 #include <cstddef>
 #include <string_view>
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 // Reads the number at text[at] after ASCII white space: [+-]digits[.digits][(e|E)[+-]digits]
 // with the decimal point whatever the process locale, correctly rounded. at moves past the
 // number, or stays when none starts there (the value is then 0). Values beyond the double
 // range give ±infinity, values too small for it ±0.
-double readLenientDouble(std::string_view text, std::size_t& at);
+[[nodiscard]] double readLenientDouble(std::string_view text, std::size_t& at);
 
-// readLenientDouble of the whole text; what follows the number is ignored.
-inline double lenientDouble(std::string_view text) {
-    std::size_t at = 0;
-    return readLenientDouble(text, at);
-}
-
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -17,8 +17,8 @@
 namespace vn {
 namespace {
 
-using wkt_detail::forEachPiece;
-using wkt_detail::Splitter;
+using wkt_internal::forEachPiece;
+using wkt_internal::Splitter;
 
 enum class Kind : std::uint8_t {
     point,
@@ -74,6 +74,64 @@ constexpr std::array<Core, 3> kCores{{
     {"POLYGON", {4, 5, 14, 15, 16, 17}},
 }};
 
+// The tables above are kept by hand; these checks keep them in step with each other.
+constexpr Kind multiKind(Kind kind) {
+    return kind == Kind::point  ? Kind::multiPoint
+           : kind == Kind::line ? Kind::multiLine
+                                : Kind::multiPolygon;
+}
+
+// Whether the keyword at index is the core's form `form` (0 plain, 1 multi, 2 "Z", 3 " Z",
+// 4 multi "Z", 5 multi " Z") with the kind, coordinates and parentheses that go with it.
+constexpr bool isForm(const Core& core, Kind kind, int parentheses, std::size_t form,
+                      std::size_t index) {
+    constexpr std::string_view kMulti = "MULTI";
+    constexpr std::array<std::string_view, 6> kSuffixes{"", "", "Z", " Z", "Z", " Z"};
+    const bool multi = form == 1 || form >= 4;
+    const Keyword& keyword = kKeywords[index];
+    const std::string_view prefix = multi ? kMulti : std::string_view();
+    const std::string_view suffix = kSuffixes[form];
+    const bool spelled = keyword.text.size() == prefix.size() + core.text.size() + suffix.size() &&
+                         keyword.text.substr(0, prefix.size()) == prefix &&
+                         keyword.text.substr(prefix.size(), core.text.size()) == core.text &&
+                         keyword.text.substr(prefix.size() + core.text.size()) == suffix;
+    return spelled && keyword.kind == (multi ? multiKind(kind) : kind) &&
+           keyword.coordinates == (form >= 2 ? 3 : 2) &&
+           keyword.parentheses == parentheses + (multi && kind != Kind::point ? 1 : 0);
+}
+
+// Every keyword but the collection is exactly one form of one core, and within a core the
+// longer forms come later in the table (the last keyword found wins, so "MULTIPOINT Z"
+// must beat the "POINT", "MULTIPOINT" and "POINT Z" it contains).
+constexpr bool coresCoverTheTable() {
+    constexpr std::array<Kind, 3> kKinds{Kind::point, Kind::line, Kind::polygon};
+    constexpr std::array<int, 3> kParentheses{1, 1, 2};
+    std::array<int, kKeywords.size()> uses{};
+    for (std::size_t c = 0; c < kCores.size(); ++c) {
+        const Core& core = kCores[c];
+        for (std::size_t form = 0; form < core.forms.size(); ++form) {
+            const std::size_t index = core.forms[form];
+            if (index >= kKeywords.size() || index == kCollectionIndex) return false;
+            if (!isForm(core, kKinds[c], kParentheses[c], form, index)) return false;
+            ++uses[index];
+        }
+        const auto& f = core.forms;
+        if (!(f[0] < f[1] && f[0] < f[2] && f[2] < f[3] && f[1] < f[4] && f[4] < f[5] &&
+              f[3] < f[5] && f[2] < f[4]))
+            return false;
+    }
+    for (std::size_t index = 0; index < uses.size(); ++index) {
+        if (uses[index] != (index == kCollectionIndex ? 0 : 1)) return false;
+    }
+    return true;
+}
+
+static_assert(kKeywords[kCollectionIndex].text == "GEOMETRYCOLLECTION" &&
+                  kKeywords[kCollectionIndex].kind == Kind::collection,
+              "kCollectionIndex names the collection");
+static_assert(kKeywords.size() <= 32, "keywordIndex keeps the keywords found in 32 bits");
+static_assert(coresCoverTheTable(), "kCores and kKeywords disagree");
+
 constexpr std::string_view kNotRecognised =
     "Parameter input is invalid (WKT Geometry not recognised)";
 constexpr std::string_view kBadFormat = "Parameter input is invalid (Bad Format WKT Geometry)";
@@ -110,7 +168,8 @@ int keywordIndex(std::string_view text) {
     };
     bool collection = false;
     occurrences('G', [&](std::size_t at) {
-        collection = collection || text.substr(at, 18) == kKeywords[kCollectionIndex].text;
+        const std::string_view collectionKeyword = kKeywords[kCollectionIndex].text;
+        collection = collection || text.substr(at, collectionKeyword.size()) == collectionKeyword;
     });
     if (collection) return static_cast<int>(kCollectionIndex);
 
@@ -183,9 +242,9 @@ std::string_view withoutFirstAndLastCharacter(std::string_view text) {
 // counting no further than four. The number is read first, so that the usual piece, which is
 // nothing but its number, is passed over once.
 int readCoordinates(std::string_view text, std::array<double, 3>& coordinates) {
-    using wkt_detail::kMarker;
-    using wkt_detail::markerAt;
-    using wkt_detail::whitespaceLength;
+    using wkt_internal::kMarker;
+    using wkt_internal::markerAt;
+    using wkt_internal::whitespaceLength;
     int count = 0;
     std::size_t at = 0;
     for (;;) {
@@ -202,7 +261,7 @@ int readCoordinates(std::string_view text, std::array<double, 3>& coordinates) {
         if (count == 3) return 4;
         const std::size_t pieceStart = at;
         std::size_t numberEnd = at;
-        const double value = wkt_detail::readLenientDouble(text, numberEnd);
+        const double value = wkt_internal::readLenientDouble(text, numberEnd);
         coordinates[static_cast<std::size_t>(count++)] = value;
         at = numberEnd > pieceStart ? numberEnd : pieceStart + 1;
         while (at < text.size() && !whitespaceLength(text, at) &&
@@ -296,14 +355,14 @@ std::string_view removeKeyword(std::string_view text, std::string_view keyword,
     const std::size_t first = text.find(keyword);
     if (first == std::string_view::npos) return text;
     const std::size_t firstEnd =
-        first + keyword.size() + wkt_detail::whitespaceRunLength(text, first + keyword.size());
+        first + keyword.size() + wkt_internal::whitespaceRunLength(text, first + keyword.size());
     if (first == 0 && text.find(keyword, firstEnd) == std::string_view::npos)
         return text.substr(firstEnd);
     storage.reserve(text.size());
     std::size_t copied = 0;
     for (std::size_t at = first; at != std::string_view::npos; at = text.find(keyword, copied)) {
         storage.append(text.substr(copied, at - copied));
-        copied = at + keyword.size() + wkt_detail::whitespaceRunLength(text, at + keyword.size());
+        copied = at + keyword.size() + wkt_internal::whitespaceRunLength(text, at + keyword.size());
     }
     storage.append(text.substr(copied));
     return storage;
@@ -321,7 +380,7 @@ bool prepare(std::string_view text, Prepared& prepared, ErrorPtr* error) {
     const std::size_t open = text.find('<');
     const std::size_t close = text.rfind('>');
     if (open != std::string_view::npos && close != std::string_view::npos && close > open) {
-        const std::size_t end = close + 1 + wkt_detail::whitespaceRunLength(text, close + 1);
+        const std::size_t end = close + 1 + wkt_internal::whitespaceRunLength(text, close + 1);
         auto gis = referenceSystemName(text, open, end);
         if (!gis) {
             report(error, kBadFormat);

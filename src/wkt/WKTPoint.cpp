@@ -6,9 +6,9 @@
 
 namespace vn {
 
-using wkt_detail::appendFixed;
-using wkt_detail::coordinateHash;
-using wkt_detail::hashCombine;
+using platform_internal::hashCombine;
+using wkt_internal::appendFixed;
+using wkt_internal::coordinateHash;
 
 WKTPoint::WKTPoint() : WKTGeometry("Point") {}
 
@@ -29,7 +29,7 @@ std::shared_ptr<WKTPoint> WKTPoint::emptyGeography() {
 }
 
 void WKTPoint::copyTo(const std::shared_ptr<WKTPoint>& other) const {
-    if (!other) wkt_detail::raise("WKTPoint [copyTo]", "Parameter Point is nil");
+    if (!other) wkt_internal::raise("WKTPoint [copyTo]", "Parameter Point is nil");
     copyKindTo(*other);
     other->x_ = x_;
     other->y_ = y_;
@@ -70,15 +70,15 @@ bool WKTPoint::isEqual(const Object& other) const {
 
 std::size_t WKTPoint::hash() const {
     std::size_t seed = std::hash<std::int32_t>{}(dimensions());
-    hashCombine(seed, coordinateHash(x_));
-    hashCombine(seed, coordinateHash(y_));
-    if (dimensions() != 2) hashCombine(seed, coordinateHash(z_));
+    seed = hashCombine(seed, coordinateHash(x_));
+    seed = hashCombine(seed, coordinateHash(y_));
+    if (dimensions() != 2) seed = hashCombine(seed, coordinateHash(z_));
     return seed;
 }
 
 LocationCoordinate2D WKTPoint::toMapCoordinate() const {
     if (gis() != WKTDefaultGis) {
-        wkt_detail::raise("WKTPoint [toMapCoordinate]", "Point dimensions are not CRS84 system");
+        wkt_internal::raise("WKTPoint [toMapCoordinate]", "Point dimensions are not CRS84 system");
     }
     return CLLocationCoordinate2DMake(y_, x_);
 }

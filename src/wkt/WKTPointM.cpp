@@ -7,7 +7,7 @@
 namespace vn {
 namespace {
 
-constexpr wkt_detail::MemberRules kPointRules{
+constexpr wkt_internal::MemberRules kPointRules{
     "WKTPointM [setListPoints]",
     "Parameter points is nil",
     "Parameter points have a class that is not WKTPoint",
@@ -23,11 +23,11 @@ WKTPointM::WKTPointM(std::vector<WKTPointPtr> points) : WKTPointM() {
 }
 
 void WKTPointM::setListPoints(std::vector<WKTPointPtr> points) {
-    wkt_detail::appendMembers(points_, *this, std::move(points), kPointRules);
+    wkt_internal::appendMembers(points_, *this, std::move(points), kPointRules);
 }
 
 void WKTPointM::setListPoints(const Value& points) {
-    wkt_detail::appendMembers(points_, *this, points, kPointRules);
+    wkt_internal::appendMembers(points_, *this, points, kPointRules);
 }
 
 void WKTPointM::removeListPoints() {
@@ -36,18 +36,19 @@ void WKTPointM::removeListPoints() {
 }
 
 void WKTPointM::copyTo(const std::shared_ptr<WKTPointM>& other) const {
-    if (!other) wkt_detail::raise("WKTParser Multi Point [copyTo]", "Parameter Multi Point is nil");
+    if (!other)
+        wkt_internal::raise("WKTParser Multi Point [copyTo]", "Parameter Multi Point is nil");
     copyKindTo(*other);
-    other->points_ = wkt_detail::copiedMembers(points_);
+    other->points_ = wkt_internal::copiedMembers(points_);
 }
 
 std::string WKTPointM::description() const {
-    return wkt_detail::joinedDescriptions(points_, false);
+    return wkt_internal::joinedDescriptions(points_, false);
 }
 
 std::string WKTPointM::toWKT() const {
-    return wkt_detail::listWKT(points_.size(), dimensions(), "MULTIPOINT", "MULTIPOINTZ",
-                               "MULTIPOINT EMPTY", description());
+    return wkt_internal::listWKT(points_.size(), dimensions(), "MULTIPOINT", "MULTIPOINTZ",
+                                 "MULTIPOINT EMPTY", description());
 }
 
 std::shared_ptr<WKTGeometry> WKTPointM::copy() const {
@@ -61,11 +62,11 @@ bool WKTPointM::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& multiPoint = static_cast<const WKTPointM&>(other);
     return dimensions() == multiPoint.dimensions() &&
-           wkt_detail::membersEqual(points_, multiPoint.points_);
+           wkt_internal::membersEqual(points_, multiPoint.points_);
 }
 
 std::size_t WKTPointM::hash() const {
-    return wkt_detail::membersHash(dimensions(), points_);
+    return wkt_internal::membersHash(dimensions(), points_);
 }
 
 std::vector<MapPointAnnotation> WKTPointM::toMapMultiAnnotation() const {

@@ -8,7 +8,7 @@ namespace vn {
 namespace {
 
 // The run of blanks is part of the established message.
-constexpr wkt_detail::MemberRules kRingRules{
+constexpr wkt_internal::MemberRules kRingRules{
     "WKTPolygon [setPolygons]",
     "Parameter Multi Points list is nil",
     "Parameter points have a class that is not WKTMultiPoint",
@@ -34,11 +34,11 @@ WKTPolygon::WKTPolygon(std::vector<WKTPointMPtr> rings) : WKTPolygon() {
 }
 
 void WKTPolygon::setPolygons(std::vector<WKTPointMPtr> rings) {
-    wkt_detail::appendMembers(rings_, *this, std::move(rings), kRingRules);
+    wkt_internal::appendMembers(rings_, *this, std::move(rings), kRingRules);
 }
 
 void WKTPolygon::setPolygons(const Value& rings) {
-    wkt_detail::appendMembers(rings_, *this, rings, kRingRules);
+    wkt_internal::appendMembers(rings_, *this, rings, kRingRules);
 }
 
 WKTPointMPtr WKTPolygon::getExteriorPolygon() const {
@@ -56,23 +56,23 @@ void WKTPolygon::removePolygons() {
 }
 
 void WKTPolygon::copyTo(const std::shared_ptr<WKTPolygon>& other) const {
-    if (!other) wkt_detail::raise("WKTPolygon [copyTo]", "Parameter Polygon is nil");
+    if (!other) wkt_internal::raise("WKTPolygon [copyTo]", "Parameter Polygon is nil");
     copyKindTo(*other);
-    other->rings_ = wkt_detail::copiedMembers(rings_);
+    other->rings_ = wkt_internal::copiedMembers(rings_);
 }
 
 std::string WKTPolygon::description() const {
     std::string text = "(" + getExteriorPolygon()->description() + ")";
     if (rings_.size() > 1) {
         text += ", ";
-        text += wkt_detail::joinedDescriptions(getInteriorPolygons(), true);
+        text += wkt_internal::joinedDescriptions(getInteriorPolygons(), true);
     }
     return text;
 }
 
 std::string WKTPolygon::toWKT() const {
-    return wkt_detail::listWKT(rings_.size(), dimensions(), "POLYGON", "POLYGONZ", "POLYGON EMPTY",
-                               description());
+    return wkt_internal::listWKT(rings_.size(), dimensions(), "POLYGON", "POLYGONZ",
+                                 "POLYGON EMPTY", description());
 }
 
 std::shared_ptr<WKTGeometry> WKTPolygon::copy() const {
@@ -85,11 +85,12 @@ std::shared_ptr<WKTGeometry> WKTPolygon::copy() const {
 bool WKTPolygon::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& polygon = static_cast<const WKTPolygon&>(other);
-    return dimensions() == polygon.dimensions() && wkt_detail::membersEqual(rings_, polygon.rings_);
+    return dimensions() == polygon.dimensions() &&
+           wkt_internal::membersEqual(rings_, polygon.rings_);
 }
 
 std::size_t WKTPolygon::hash() const {
-    return wkt_detail::membersHash(dimensions(), rings_);
+    return wkt_internal::membersHash(dimensions(), rings_);
 }
 
 MapPolygon WKTPolygon::toMapPolygon() const {

@@ -8,7 +8,7 @@ namespace vn {
 namespace {
 
 // The run of blanks is part of the established message.
-constexpr wkt_detail::MemberRules kPolygonRules{
+constexpr wkt_internal::MemberRules kPolygonRules{
     "WKTPolygonM [setPolygons]",
     "Parameter Polygons is nil",
     "Parameter Polygons have a class that is not WKTPolygon",
@@ -24,11 +24,11 @@ WKTPolygonM::WKTPolygonM(std::vector<WKTPolygonPtr> polygons) : WKTPolygonM() {
 }
 
 void WKTPolygonM::setPolygons(std::vector<WKTPolygonPtr> polygons) {
-    wkt_detail::appendMembers(polygons_, *this, std::move(polygons), kPolygonRules);
+    wkt_internal::appendMembers(polygons_, *this, std::move(polygons), kPolygonRules);
 }
 
 void WKTPolygonM::setPolygons(const Value& polygons) {
-    wkt_detail::appendMembers(polygons_, *this, polygons, kPolygonRules);
+    wkt_internal::appendMembers(polygons_, *this, polygons, kPolygonRules);
 }
 
 void WKTPolygonM::removePolygons() {
@@ -37,18 +37,18 @@ void WKTPolygonM::removePolygons() {
 }
 
 void WKTPolygonM::copyTo(const std::shared_ptr<WKTPolygonM>& other) const {
-    if (!other) wkt_detail::raise("WKTPolygonM [copyTo]", "Parameter Multi Polygon is nil");
+    if (!other) wkt_internal::raise("WKTPolygonM [copyTo]", "Parameter Multi Polygon is nil");
     copyKindTo(*other);
-    other->polygons_ = wkt_detail::copiedMembers(polygons_);
+    other->polygons_ = wkt_internal::copiedMembers(polygons_);
 }
 
 std::string WKTPolygonM::description() const {
-    return wkt_detail::joinedDescriptions(polygons_, true);
+    return wkt_internal::joinedDescriptions(polygons_, true);
 }
 
 std::string WKTPolygonM::toWKT() const {
-    return wkt_detail::listWKT(polygons_.size(), dimensions(), "MULTIPOLYGON", "MULTIPOLYGONZ",
-                               "MULTIPOLYGON EMPTY", description());
+    return wkt_internal::listWKT(polygons_.size(), dimensions(), "MULTIPOLYGON", "MULTIPOLYGONZ",
+                                 "MULTIPOLYGON EMPTY", description());
 }
 
 std::shared_ptr<WKTGeometry> WKTPolygonM::copy() const {
@@ -62,11 +62,11 @@ bool WKTPolygonM::isEqual(const Object& other) const {
     if (typeid(other) != typeid(*this)) return false;
     const auto& multiPolygon = static_cast<const WKTPolygonM&>(other);
     return dimensions() == multiPolygon.dimensions() &&
-           wkt_detail::membersEqual(polygons_, multiPolygon.polygons_);
+           wkt_internal::membersEqual(polygons_, multiPolygon.polygons_);
 }
 
 std::size_t WKTPolygonM::hash() const {
-    return wkt_detail::membersHash(dimensions(), polygons_);
+    return wkt_internal::membersHash(dimensions(), polygons_);
 }
 
 MapMultiPolygon WKTPolygonM::toMapMultiPolygon() const {

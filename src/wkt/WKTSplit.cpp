@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -157,4 +157,4 @@ Separator nextSeparator(std::string_view text, std::size_t from, Splitter splitt
     return {npos, npos};
 }
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -23,7 +23,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vn::wkt_detail {
+namespace vn::wkt_internal {
 
 enum class Splitter { spaces, commas, parentCommas, doubleParentCommas };
 
@@ -106,4 +106,4 @@ inline std::vector<std::string_view> split(std::string_view text, Splitter split
     return pieces;
 }
 
-}  // namespace vn::wkt_detail
+}  // namespace vn::wkt_internal

@@ -13,9 +13,9 @@ namespace {
 
 constexpr std::string_view kNilReason = "Parameter input is nil";
 
-std::vector<std::string> owned(std::string_view text, wkt_detail::Splitter splitter) {
+std::vector<std::string> owned(std::string_view text, wkt_internal::Splitter splitter) {
     std::vector<std::string> pieces;
-    wkt_detail::forEachPiece(text, splitter, [&](std::string_view piece) {
+    wkt_internal::forEachPiece(text, splitter, [&](std::string_view piece) {
         pieces.emplace_back(piece);
         return true;
     });
@@ -23,16 +23,16 @@ std::vector<std::string> owned(std::string_view text, wkt_detail::Splitter split
 }
 
 std::string_view required(std::optional<std::string_view> input, std::string_view exceptionName) {
-    if (!input) wkt_detail::raise(exceptionName, kNilReason);
+    if (!input) wkt_internal::raise(exceptionName, kNilReason);
     return *input;
 }
 
-std::optional<wkt_detail::Splitter> handWrittenSplitter(std::string_view regExp) {
-    if (regExp == WKTString::spacesExpression) return wkt_detail::Splitter::spaces;
-    if (regExp == WKTString::commasExpression) return wkt_detail::Splitter::commas;
-    if (regExp == WKTString::parentCommasExpression) return wkt_detail::Splitter::parentCommas;
+std::optional<wkt_internal::Splitter> handWrittenSplitter(std::string_view regExp) {
+    if (regExp == WKTString::spacesExpression) return wkt_internal::Splitter::spaces;
+    if (regExp == WKTString::commasExpression) return wkt_internal::Splitter::commas;
+    if (regExp == WKTString::parentCommasExpression) return wkt_internal::Splitter::parentCommas;
     if (regExp == WKTString::doubleParentCommasExpression)
-        return wkt_detail::Splitter::doubleParentCommas;
+        return wkt_internal::Splitter::doubleParentCommas;
     return std::nullopt;
 }
 
@@ -42,12 +42,12 @@ std::vector<std::string> splitWithICU(std::string_view text, std::string_view re
     const icu::UnicodeString pattern =
         icu::UnicodeString::fromUTF8(icu::StringPiece(regExp.data(), regExp.size()));
     std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(pattern, 0, status));
-    if (U_FAILURE(status)) wkt_detail::raise(kExceptionName, "Parameter regExp is invalid");
+    if (U_FAILURE(status)) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
     const icu::UnicodeString input =
         icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), text.size()));
     std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(input, status));
     const icu::UnicodeString marked = matcher->replaceAll(u"[SPLIT]", status);
-    if (U_FAILURE(status)) wkt_detail::raise(kExceptionName, "Parameter regExp is invalid");
+    if (U_FAILURE(status)) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
 
     std::vector<std::string> pieces;
     const icu::UnicodeString marker(u"[SPLIT]");
@@ -68,23 +68,23 @@ std::vector<std::string> splitWithICU(std::string_view text, std::string_view re
 }  // namespace
 
 std::vector<std::string> WKTString::splitSpacesNSString(std::optional<std::string_view> input) {
-    return owned(required(input, "WKTString [splitString]"), wkt_detail::Splitter::spaces);
+    return owned(required(input, "WKTString [splitString]"), wkt_internal::Splitter::spaces);
 }
 
 std::vector<std::string> WKTString::splitCommasNSString(std::optional<std::string_view> input) {
-    return owned(required(input, "WKTString [splitString]"), wkt_detail::Splitter::commas);
+    return owned(required(input, "WKTString [splitString]"), wkt_internal::Splitter::commas);
 }
 
 std::vector<std::string> WKTString::splitParentCommasNSString(
     std::optional<std::string_view> input) {
     return owned(required(input, "WKTString [splitParentCommasNSString]"),
-                 wkt_detail::Splitter::parentCommas);
+                 wkt_internal::Splitter::parentCommas);
 }
 
 std::vector<std::string> WKTString::splitDoubleParentCommasNSString(
     std::optional<std::string_view> input) {
     return owned(required(input, "WKTString [splitDoubleParentCommasNSString]"),
-                 wkt_detail::Splitter::doubleParentCommas);
+                 wkt_internal::Splitter::doubleParentCommas);
 }
 
 std::vector<std::string> WKTString::splitString(std::optional<std::string_view> input,

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "coding/ArchiveTesting.h"
+#include "testing/KeyedArchiveTesting.h"
 #include "vn/coding/KeyedArchiver.h"
 #include "vn/coding/KeyedUnarchiver.h"
 

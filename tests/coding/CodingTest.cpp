@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "coding/ArchiveTesting.h"
+#include "testing/KeyedArchiveTesting.h"
 #include "vn/coding/KeyedArchiver.h"
 #include "vn/coding/KeyedUnarchiver.h"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "coding/ArchiveTesting.h"
+#include "testing/KeyedArchiveTesting.h"
 #include "vn/coding/KeyedUnarchiver.h"
 
 namespace vn {

@@ -5,7 +5,7 @@
 #include <limits>
 #include <random>
 
-#include "coding/ArchiveTesting.h"
+#include "testing/KeyedArchiveTesting.h"
 #include "vn/coding/KeyedArchiver.h"
 
 namespace vn {

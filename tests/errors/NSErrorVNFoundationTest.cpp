@@ -5,16 +5,19 @@
 #include <cerrno>
 #include <cstring>
 
-#include "log/LogTesting.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/errors/ErrorClassTextProviders.h"
 #include "vn/errors/VNRecoveryAttempter.h"
+#include "vn/log/VNLog.h"
 #include "vn/platform/Bundle.h"
+#include "vn/platform/ExecutionEnvironment.h"
 
 namespace vn {
 namespace {
 
 using testing::CapturingLogListener;
-using testing::ScopedLogState;
+using testing::ScopedProcessState;
 using Info = Value::Dictionary;
 
 const std::string kDescription(NSLocalizedDescriptionKey);
@@ -33,8 +36,6 @@ class NSErrorVNFoundationTest : public ::testing::Test {
   protected:
     void SetUp() override { VNLog::addListener(log); }
     void TearDown() override {
-        VNExecutionEnvironmentHelper::setURLOpener(nullptr);
-        Bundle::main().setLocalizedStrings({});
         for (const auto name :
              {VNGoToSettingsRecoveryOptionTextName, VNGoToSettingsDescriptionTextName,
               VNGoToSettingsRecoverySuggestionTextName}) {
@@ -51,7 +52,7 @@ class NSErrorVNFoundationTest : public ::testing::Test {
             });
     }
 
-    ScopedLogState state;
+    ScopedProcessState state;
     std::shared_ptr<CapturingLogListener> log = std::make_shared<CapturingLogListener>();
     std::vector<std::string> opened;
 };

@@ -7,9 +7,15 @@
 #include <stdexcept>
 #include <thread>
 
-#include "log/LogTesting.h"
-#include "services/RecordingAlertService.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/ExpectRaises.h"
+#include "testing/RecordingAlertService.h"
+#include "testing/RecordingLoggerService.h"
+#include "testing/ScopedProcessState.h"
+#include "vn/log/VNLog.h"
 #include "vn/platform/Exception.h"
+#include "vn/platform/ExecutionEnvironment.h"
+#include "vn/services/VNFoundationServices.h"
 
 // External linkage and out of line, so that the caller's frame is named in the stack part.
 [[gnu::noinline]] void recoverFromANamedCaller(std::string_view message) {
@@ -22,7 +28,7 @@ namespace {
 using testing::CapturingLogListener;
 using testing::RecordingAlertService;
 using testing::RecordingLoggerService;
-using testing::ScopedLogState;
+using testing::ScopedProcessState;
 
 class VNUtilitiesFatalErrorsTest : public ::testing::Test {
   protected:
@@ -32,20 +38,15 @@ class VNUtilitiesFatalErrorsTest : public ::testing::Test {
         VNFoundationServices::registerLoggerService(logger);
     }
 
-    // Expects fn to throw a vn::Exception with the given name and reason.
+    // Expects fn to throw a vn::Exception with the given name and reason and no user info.
     template <typename Fn>
     void expectException(Fn fn, std::string_view name, std::string_view reason) {
-        try {
-            fn();
-            ADD_FAILURE() << "nothing was thrown for " << reason;
-        } catch (const Exception& exception) {
-            EXPECT_EQ(exception.name(), name);
-            EXPECT_EQ(exception.reason(), reason);
-            EXPECT_TRUE(exception.userInfo().empty());
+        if (const auto raised = testing::expectRaises(fn, name, reason)) {
+            EXPECT_TRUE(raised->userInfo().empty());
         }
     }
 
-    ScopedLogState state;
+    ScopedProcessState state;
     std::shared_ptr<CapturingLogListener> log = std::make_shared<CapturingLogListener>();
     std::shared_ptr<RecordingAlertService> alerts = std::make_shared<RecordingAlertService>();
     std::shared_ptr<RecordingLoggerService> logger = std::make_shared<RecordingLoggerService>();

@@ -1,5 +1,6 @@
 // Date formatters: styles and patterns, proleptic years, strict reading, and the model's
 // cached formatters with their keys and tables.
+#include "testing/ScopedProcessState.h"
 #include "vn/formatting/DateFormatter.h"
 
 #include <gtest/gtest.h>
@@ -53,6 +54,7 @@ TEST(DateFormatter, StylesMakeTheLocalesPatternUntilAPatternIsSet) {
 }
 
 TEST(DateFormatter, CachedStyleFormattersAreGmtWithOptionalMilliseconds) {
+    const testing::ScopedProcessState state;
     TimeZone::setSystemTimeZone(*TimeZone::named("Asia/Tokyo"));
     const auto formatter = DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
         DateFormatter::Style::shortStyle, DateFormatter::Style::mediumStyle, true, "de_DE", false);
@@ -66,7 +68,6 @@ TEST(DateFormatter, CachedStyleFormattersAreGmtWithOptionalMilliseconds) {
         DateFormatter::Style::mediumStyle, DateFormatter::Style::noStyle, false, std::nullopt,
         true);
     EXPECT_EQ(current->timeZone(), TimeZone::gmt());
-    TimeZone::resetSystemTimeZone();
 
     const Value::Dictionary& cache = Thread::threadDictionary();
     EXPECT_EQ(

@@ -1,5 +1,6 @@
 // The model's date conventions: the empty date, time-only values, truncations, the JSON form
 // and the time-zone shifts, before and after 1970 and 2001.
+#include "testing/ScopedProcessState.h"
 #include "vn/formatting/DateVN.h"
 
 #include <gtest/gtest.h>
@@ -103,17 +104,15 @@ TEST(DateVN, JsonTextIsDateOrDateTimeInGMT) {
     EXPECT_EQ(json(gmt(1, 1, 1, 0, 0, 1)), "0001-01-01T00:00:01");
 }
 
-class DateVNShifts : public testing::Test {
+class DateVNShifts : public ::testing::Test {
   protected:
     void SetUp() override {
         TimeZone::setSystemTimeZone(
             *TimeZone::named("America/Montevideo"));  // -03:00, no daylight saving
         ASSERT_TRUE(VNTimeZone::setCurrentTimeZoneWithName("Asia/Tokyo"));  // +09:00
     }
-    void TearDown() override {
-        VNTimeZone::resetCurrentTimeZone();
-        TimeZone::resetSystemTimeZone();
-    }
+
+    testing::ScopedProcessState state;
 };
 
 TEST_F(DateVNShifts, ShiftBetweenGmtDeviceAndCurrentZones) {

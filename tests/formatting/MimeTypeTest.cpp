@@ -1,4 +1,5 @@
 // MIME types from path extensions: the system database, then the override tables.
+#include "testing/ScopedProcessState.h"
 #include "vn/formatting/MimeType.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ TEST(MimeType, UsesTheSystemDatabaseCaseInsensitively) {
     EXPECT_EQ(mimeType("caf"), "audio/x-caf");
 }
 
-class MimeTypeWithSmallDatabase : public testing::Test {
+class MimeTypeWithSmallDatabase : public ::testing::Test {
   protected:
     void SetUp() override {
         path_ = std::filesystem::temp_directory_path() / "mime.types";
@@ -37,8 +38,7 @@ class MimeTypeWithSmallDatabase : public testing::Test {
         file.close();
         setSystemMimeTypesPath(path_.string());
     }
-    void TearDown() override { setSystemMimeTypesPath("/etc/mime.types"); }
-
+    testing::ScopedProcessState state_;
     std::filesystem::path path_;
 };
 

@@ -10,6 +10,7 @@
 #include <random>
 #include <thread>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/concurrency/RunLoop.h"
 #include "vn/formatting/DateFormatter.h"
 #include "vn/formatting/NumberFormatter.h"
@@ -192,7 +193,7 @@ TEST(VNPicture, FormattersAreNeverSharedBetweenThreads) {
 
 TEST(VNPicture, LocaleChangeClearsOnlyTheMainThreadsFormatterCaches) {
     ASSERT_TRUE(Thread::isMainThread());
-    const std::string previousLocale = Locale::current().identifier();
+    const testing::ScopedProcessState state;
     NumberFormatter::numberFormatterForVNPicture("ZZ9", std::nullopt,
                                                  false);  // registers the observer
     DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat("yyyy");
@@ -224,7 +225,6 @@ TEST(VNPicture, LocaleChangeClearsOnlyTheMainThreadsFormatterCaches) {
                   ->locale()
                   .identifier(),
               "de_DE");
-    Locale::setCurrent(previousLocale);
 }
 
 TEST(VNPicture, ArbitraryPicturesNeverCrash) {

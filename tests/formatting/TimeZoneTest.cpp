@@ -1,4 +1,5 @@
 // Time zones by identifier and offset, and the host-settable device zone.
+#include "testing/ScopedProcessState.h"
 #include "vn/formatting/TimeZone.h"
 
 #include <gtest/gtest.h>
@@ -42,9 +43,7 @@ TEST(TimeZone, FixedOffsetsAreNamedAfterTheirOffset) {
 }
 
 TEST(TimeZone, SystemZoneComesFromTheHostUntilTheHostSetsIt) {
-    const char* previous = std::getenv("TZ");
-    const std::optional<std::string> previousTZ =
-        previous ? std::optional<std::string>(previous) : std::nullopt;
+    const testing::ScopedProcessState state;  // puts TZ and the system zone back
     setenv("TZ", "Asia/Kolkata", 1);
     TimeZone::resetSystemTimeZone();
     EXPECT_EQ(TimeZone::system().identifier(), "Asia/Kolkata");
@@ -61,13 +60,6 @@ TEST(TimeZone, SystemZoneComesFromTheHostUntilTheHostSetsIt) {
     setenv("TZ", "America/Montevideo", 1);
     TimeZone::resetSystemTimeZone();
     EXPECT_EQ(TimeZone::system().identifier(), "America/Montevideo");
-
-    if (previousTZ) {
-        setenv("TZ", previousTZ->c_str(), 1);
-    } else {
-        unsetenv("TZ");
-    }
-    TimeZone::resetSystemTimeZone();
 }
 
 }  // namespace

@@ -75,9 +75,10 @@ TEST(VNNumberWithPictureFormatterDeathTest, PlainInitializerIsUnavailable) {
 
 TEST(VNNumberWithPictureFormatterDeathTest, TextWithoutDigitsOrBeyond64BitsIsFatal) {
     VNNumberWithPictureFormatter optional("##");
-    EXPECT_DEATH(optional.numberFromString("ab"), "no digit");
+    EXPECT_DEATH(static_cast<void>(optional.numberFromString("ab")), "no digit");
     VNNumberWithPictureFormatter wide(std::string(25, '0'));
-    EXPECT_DEATH(wide.numberFromString(std::string(25, '9')), "does not fit a 64-bit integer");
+    EXPECT_DEATH(static_cast<void>(wide.numberFromString(std::string(25, '9'))),
+                 "does not fit a 64-bit integer");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The application's current time zone and its change notification on the main queue.
+#include "testing/ScopedProcessState.h"
 #include "vn/formatting/VNTimeZone.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@
 namespace vn {
 namespace {
 
-class VNTimeZoneTest : public testing::Test {
+class VNTimeZoneTest : public ::testing::Test {
   protected:
     void SetUp() override {
         TimeZone::setSystemTimeZone(*TimeZone::named("Europe/Madrid"));
@@ -27,12 +28,9 @@ class VNTimeZoneTest : public testing::Test {
                 ++posted_;
             });
     }
-    void TearDown() override {
-        NotificationCenter::defaultCenter().removeObserver(token_);
-        VNTimeZone::resetCurrentTimeZone();
-        TimeZone::resetSystemTimeZone();
-    }
+    void TearDown() override { NotificationCenter::defaultCenter().removeObserver(token_); }
 
+    testing::ScopedProcessState state_;
     ObjectPtr token_;
     int posted_ = 0;
 };

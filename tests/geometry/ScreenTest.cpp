@@ -6,14 +6,15 @@
 #include <limits>
 #include <thread>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/Exception.h"
 
 namespace vn {
 namespace {
 
-class ScreenTest : public testing::Test {
+class ScreenTest : public ::testing::Test {
   protected:
-    void TearDown() override { Screen::setMain(std::nullopt); }
+    testing::ScopedProcessState state;
 };
 
 TEST_F(ScreenTest, HostDescribesAndRemovesItsScreen) {

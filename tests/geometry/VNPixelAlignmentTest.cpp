@@ -2,14 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/geometry/Screen.h"
 
 namespace vn {
 namespace {
 
-class VNPixelAlignment : public testing::Test {
+class VNPixelAlignment : public ::testing::Test {
   protected:
-    void TearDown() override { Screen::setMain(std::nullopt); }
+    testing::ScopedProcessState state;
 };
 
 TEST_F(VNPixelAlignment, AlignsFramesKeepingTheFarEdge) {

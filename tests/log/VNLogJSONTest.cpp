@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
 
-#include "log/LogTesting.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/log/VNLog.h"
+#include "vn/platform/ExecutionEnvironment.h"
+#include "vn/platform/UserDefaults.h"
 
 namespace vn {
 namespace {
 
 using testing::CapturingLogListener;
-using testing::ScopedLogState;
+using testing::ScopedProcessState;
 
 TEST(VNLogJSON, ObjectIsWrittenAsTabIndentedJSONUnderItsTitle) {
-    ScopedLogState state;
+    ScopedProcessState state;
     const auto listener = std::make_shared<CapturingLogListener>();
     VNLog::addListener(listener);
     VNLog::logJSONObject(Value::Dictionary{{"id", 7}, {"tags", Value::Array{"a"}}}, "request");
@@ -21,7 +24,7 @@ TEST(VNLogJSON, ObjectIsWrittenAsTabIndentedJSONUnderItsTitle) {
 }
 
 TEST(VNLogJSON, ParserElementsFollowTheResponsesSwitchAndAreBuiltOnlyWhenWritten) {
-    ScopedLogState state;
+    ScopedProcessState state;
     const auto listener = std::make_shared<CapturingLogListener>();
     VNLog::addListener(listener);
     int evaluations = 0;
@@ -33,7 +36,7 @@ TEST(VNLogJSON, ParserElementsFollowTheResponsesSwitchAndAreBuiltOnlyWhenWritten
     VNLog::logJSONParserElementIfEnabled(element);  // listener alone does not open the gate
     EXPECT_EQ(evaluations, 0);
 
-    ScopedLogState::turnFileOn();  // responses default to true
+    ScopedProcessState::turnLogFileOn();  // responses default to true
     VNLog::logJSONParserElementIfEnabled(element);
     EXPECT_EQ(evaluations, 1);
     UserDefaults::standard().setBool(false, VNLog::logResponsesPreferenceKey);

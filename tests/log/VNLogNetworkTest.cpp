@@ -4,8 +4,12 @@
 
 #include <atomic>
 
-#include "log/LogTesting.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/RecordingLoggerService.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/log/VNLog.h"
+#include "vn/platform/UserDefaults.h"
+#include "vn/services/VNFoundationServices.h"
 #include "vn/values/JSON.h"
 
 namespace vn {
@@ -13,7 +17,7 @@ namespace {
 
 using testing::CapturingLogListener;
 using testing::RecordingLoggerService;
-using testing::ScopedLogState;
+using testing::ScopedProcessState;
 
 // An HTTP response that counts how often the log reads it, to show when a record is built.
 class CountingHTTPResponse final : public HTTPURLResponse {
@@ -74,7 +78,7 @@ class VNLogNetworkTest : public ::testing::Test {
     void SetUp() override { VNLog::addListener(listener); }
 
     static void turnLocalLogOn(bool withBodies = false) {
-        ScopedLogState::turnFileOn();
+        ScopedProcessState::turnLogFileOn();
         UserDefaults::standard().setBool(withBodies, VNLog::logResponsesBodyPreferenceKey);
     }
     void registerService(bool enabled, VNLoggerLevel networkLevel) {
@@ -82,7 +86,7 @@ class VNLogNetworkTest : public ::testing::Test {
         VNFoundationServices::registerLoggerService(service);
     }
 
-    ScopedLogState state;
+    ScopedProcessState state;
     std::shared_ptr<CapturingLogListener> listener = std::make_shared<CapturingLogListener>();
     std::shared_ptr<RecordingLoggerService> service = std::make_shared<RecordingLoggerService>();
 };
@@ -253,7 +257,7 @@ TEST_F(VNLogNetworkTest, NonHTTPResponseRecordHoldsOnlyURLAndBytesAndTheBodyWhen
 TEST_F(VNLogNetworkTest, ResponseDataIsDecodedWithTheResponsesEncodingOrUTF8) {
     registerService(true, VNLoggerLevel::debug);
     UserDefaults::standard().setBool(true, VNLog::logResponsesBodyPreferenceKey);
-    ScopedLogState::turnFileOn();  // the body switch needs the log on
+    ScopedProcessState::turnLogFileOn();  // the body switch needs the log on
     VNLog::removeListener(listener);
     const URLRequest request(url("https://example.com/"));
     const auto responseIn = [](const char* contentType) {

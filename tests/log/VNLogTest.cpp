@@ -11,14 +11,18 @@
 #include <sstream>
 #include <thread>
 
-#include "log/LogTesting.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/ScopedProcessState.h"
+#include "vn/platform/ExecutionEnvironment.h"
 #include "vn/platform/FileSystem.h"
+#include "vn/platform/UserDefaults.h"
+#include "vn/services/VNFoundationServices.h"
 
 namespace vn {
 namespace {
 
 using testing::CapturingLogListener;
-using testing::ScopedLogState;
+using testing::ScopedProcessState;
 
 // A listener that runs an action on each notification, so tests can act from inside one.
 class ActingListener final : public VNLogListener {
@@ -44,7 +48,7 @@ std::string consoleOutputOf(std::string_view message) {
 
 class VNLogTest : public ::testing::Test {
   protected:
-    ScopedLogState state;
+    ScopedProcessState state;
     std::shared_ptr<CapturingLogListener> listener = std::make_shared<CapturingLogListener>();
 };
 
@@ -125,7 +129,7 @@ TEST_F(VNLogTest, EachSinkGetsTheMessageInItsFormUnderItsOwnSwitch) {
 
 TEST_F(VNLogTest, ClearingDeletesFileUntilNextMessage) {
     std::ofstream(logFilePath()) << "an earlier run's lines\n";
-    ScopedLogState::turnFileOn();
+    ScopedProcessState::turnLogFileOn();
     VNLog::logMessage("one");
     VNLog::log("%@ and %d", "two", 3);
     EXPECT_EQ(VNLog::logString(), "one\ntwo and 3\n") << "the first message replaces an older file";
@@ -143,7 +147,7 @@ TEST_F(VNLogTest, ClearingDeletesFileUntilNextMessage) {
 }
 
 TEST_F(VNLogTest, FileProblemsOnlyCostTheFile) {
-    ScopedLogState::turnFileOn();
+    ScopedProcessState::turnLogFileOn();
     VNLog::addListener(listener);
     const std::string invalid = "bad \xC3\x28 byte";
     VNLog::logMessage("caf\u00e9");
@@ -259,7 +263,7 @@ std::string logConcurrentlyAndCheck() {
         if (const int slot = parse(m.substr(0, m.size() - 1)); slot >= 0)
             ++heard[static_cast<std::size_t>(slot)];
     }));
-    ScopedLogState::turnFileOn();
+    ScopedProcessState::turnLogFileOn();
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([t, &padding] {
@@ -323,7 +327,7 @@ TEST(VNLogDeathTest, StaticDestructorsCanStillLog) {
     EXPECT_EXIT(
         {
             setenv("TMPDIR", directory.c_str(), 1);
-            ScopedLogState::turnFileOn();
+            ScopedProcessState::turnLogFileOn();
             struct LogsWhenDestroyed {
                 ~LogsWhenDestroyed() { VNLog::log("logged from a %@ destructor", "static"); }
             };

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "values/HostileValues.h"
+#include "testing/HostileValues.h"
 
 namespace vn {
 namespace {
@@ -39,7 +39,7 @@ TEST(VNConnectivitySupportType, ReadsWordsAndBoxedValues) {
     }
     EXPECT_EQ(connectivitySupportFromValue(Value()), VNConnectivitySupportTypeOnline);
     EXPECT_EQ(connectivitySupportFromValue(Value("idOffline")), VNConnectivitySupportTypeOffline);
-    for (const Value& value : testdata::hostileValues()) {
+    for (const Value& value : testing::hostileValues()) {
         EXPECT_LE(connectivitySupportFromValue(value, VNConnectivitySupportTypeOffline),
                   VNConnectivitySupportTypeInherit);
     }

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "values/HostileValues.h"
+#include "testing/HostileValues.h"
 
 namespace vn {
 namespace {
@@ -88,7 +88,7 @@ TEST(VNDataType, ReadsTypeNamesWithSizes) {
 }
 
 TEST(VNDataType, GivesUnknownAndLeavesTheSlotsAloneForNonTexts) {
-    for (const Value& value : testdata::hostileValues()) {
+    for (const Value& value : testing::hostileValues()) {
         if (value.isString()) continue;
         std::optional<Number> length = Number(7);
         EXPECT_EQ(VNDataTypeWithInfoFromString(value, "x", &length, nullptr), VNDataTypeUnknown);
@@ -98,7 +98,7 @@ TEST(VNDataType, GivesUnknownAndLeavesTheSlotsAloneForNonTexts) {
     EXPECT_EQ(VNDataTypeWithInfoFromString("numeric(10,2)", {}, &length, nullptr),
               VNDataTypeNumeric);
     EXPECT_EQ(length, Number(10));  // one slot is enough to read the size
-    for (const Value& value : testdata::hostileValues()) {
+    for (const Value& value : testing::hostileValues()) {
         const VNDataType type = VNDataTypeFromString(value, value);
         EXPECT_TRUE(type <= VNDataTypeProperties || type == VNDataTypeUnknown);
     }

@@ -16,7 +16,8 @@ TEST(VNOptionalBoolean, ConvertsFromAndToAnOptionalBool) {
 }
 
 TEST(VNOptionalBooleanDeathTest, RawValueAbove2StopsTheProcess) {
-    EXPECT_DEATH(asBool(static_cast<VNOptionalBoolean>(3)), "Fatal error: VNOptionalBoolean 3");
+    EXPECT_DEATH(static_cast<void>(asBool(static_cast<VNOptionalBoolean>(3))),
+                 "Fatal error: VNOptionalBoolean 3");
 }
 
 }  // namespace

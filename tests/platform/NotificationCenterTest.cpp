@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,58 @@ TEST(NotificationCenter, QueuedObserversRunOnTheirExecutorWithTheNotificationCop
     ASSERT_EQ(executor->pending.size(), 1u);
     executor->drain();
     EXPECT_EQ(heard, std::vector<std::string>{"N:v"});
+}
+
+TEST(NotificationCenter, AnObserverRemovedDuringAPostStillReceivesThatPost) {
+    NotificationCenter center;
+    std::vector<std::string> heard;
+    ObjectPtr second;
+    center.addObserver("N", nullptr, nullptr, [&](const Notification&) {
+        heard.push_back("first");
+        center.removeObserver(second);
+    });
+    second = center.addObserver("N", nullptr, nullptr, [&](const Notification&) { heard.push_back("second"); });
+    center.postNotificationName("N");
+    center.postNotificationName("N");
+    EXPECT_EQ(heard, (std::vector<std::string>{"first", "second", "first"}));
+}
+
+TEST(NotificationCenter, AThrowingBlockReachesThePosterAndStopsOnlyThatPost) {
+    NotificationCenter center;
+    std::vector<std::string> heard;
+    bool fail = true;
+    center.addObserver("N", nullptr, nullptr, [&](const Notification&) {
+        heard.push_back("first");
+        if (fail) throw std::runtime_error("observer failed");
+    });
+    center.addObserver("N", nullptr, nullptr, [&](const Notification&) { heard.push_back("second"); });
+    try {
+        center.postNotificationName("N");
+        ADD_FAILURE() << "the exception did not reach the poster";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "observer failed");
+    }
+    fail = false;
+    center.postNotificationName("N");
+    EXPECT_EQ(heard, (std::vector<std::string>{"first", "first", "second"}));
+    EXPECT_EQ(center.observerCount(), 2u);
+}
+
+TEST(NotificationCenter, SendersMatchByIdentityNotByEquality) {
+    class AlwaysEqual final : public Object {
+    public:
+        bool isEqual(const Object&) const override { return true; }
+    };
+    NotificationCenter center;
+    const auto sender = std::make_shared<AlwaysEqual>();
+    const auto twin = std::make_shared<AlwaysEqual>();
+    int heard = 0;
+    center.addObserver("N", sender.get(), nullptr, [&](const Notification&) { ++heard; });
+    center.postNotificationName("N", twin);
+    center.postNotificationName("N");
+    EXPECT_EQ(heard, 0) << "an equal object and no object are not the sender";
+    center.postNotificationName("N", sender);
+    EXPECT_EQ(heard, 1);
 }
 
 }  // namespace

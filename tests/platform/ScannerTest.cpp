@@ -13,6 +13,7 @@
 
 #include <locale.h>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/Exception.h"
 
 namespace vn {
@@ -182,12 +183,11 @@ TEST(Scanner, UsesTheConfiguredDecimalSeparator) {
 }
 
 TEST(Scanner, LocalizedScannerTakesTheCurrentLocalesSeparator) {
-    const std::string previous = Locale::current().identifier();
+    const testing::ScopedProcessState state;
     Locale::setCurrent("de_DE");
     EXPECT_EQ(Scanner::localizedScanner("1,5").scanDouble(), 1.5);
     Locale::setCurrent("en_US");
     EXPECT_EQ(Scanner::localizedScanner("1,5").scanDouble(), 1.0);
-    Locale::setCurrent(previous);
 }
 
 TEST(Scanner, ReadsDecimalsWithThirtyEightDigits) {

@@ -4,6 +4,7 @@
 #include <thread>
 #include <vector>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/Bundle.h"
 #include "vn/platform/ExecutionEnvironment.h"
 #include "vn/platform/FileSystem.h"
@@ -75,6 +76,7 @@ TEST(Bundle, MissingLocalizedTextFallsBackToTheKey) {
 }
 
 TEST(ExecutionEnvironment, HostSetsSwitchesAndOpensUrls) {
+    const testing::ScopedProcessState state;
     VNUtilities::setShowDeveloperInfo(true);
     EXPECT_TRUE(VNUtilities::showDeveloperInfo());
     VNUtilities::setShowDeveloperInfo(false);
@@ -91,7 +93,6 @@ TEST(ExecutionEnvironment, HostSetsSwitchesAndOpensUrls) {
         });
     VNExecutionEnvironmentHelper::openURL(std::string(UIApplicationOpenSettingsURLString));
     EXPECT_EQ(opened, "app-settings:");
-    VNExecutionEnvironmentHelper::setURLOpener(nullptr);
 
     int terminations = 0;
     const ObjectPtr token = NotificationCenter::defaultCenter().addObserver(
@@ -112,6 +113,7 @@ TEST(Locale, ReadsNumberSymbolsFromRealLocales) {
 }
 
 TEST(Locale, ChangingTheCurrentLocaleNotifiesAndRefreshesTheSeparator) {
+    const testing::ScopedProcessState state;
     int changes = 0;
     const ObjectPtr token = NotificationCenter::defaultCenter().addObserver(
         NSCurrentLocaleDidChangeNotification, nullptr, nullptr, [&](const Notification&) { ++changes; });

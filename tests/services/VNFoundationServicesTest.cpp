@@ -5,7 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "services/RecordingAlertService.h"
+#include "testing/RecordingAlertService.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/services/VNLogAlertMessageService.h"
 
 namespace vn {
@@ -24,8 +25,7 @@ class QuietLogger final : public VNLoggerService {
 
 class VNFoundationServicesTest : public ::testing::Test {
   protected:
-    void SetUp() override { VNFoundationServices::reset(); }
-    void TearDown() override { VNFoundationServices::reset(); }
+    testing::ScopedProcessState state;
 };
 
 TEST_F(VNFoundationServicesTest, OptionalSlotsAnswerTheirCurrentContentAndRegisteringReplaces) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/ExecutionEnvironment.h"
 
 namespace vn {
@@ -21,7 +22,7 @@ std::pair<std::string, std::string> capture(const Show& show) {
 
 class VNLogAlertMessageServiceTest : public ::testing::Test {
   protected:
-    void TearDown() override { VNUtilities::setShowDeveloperInfo(false); }
+    testing::ScopedProcessState state;
 };
 
 TEST_F(VNLogAlertMessageServiceTest,

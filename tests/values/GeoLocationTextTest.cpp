@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/Locale.h"
 
 namespace vn {
@@ -49,11 +50,10 @@ TEST(GeoLocationText, ReadsLatitudeSeparatorsAndLongitude) {
 }
 
 TEST(GeoLocationText, ReadsThePointWhateverTheLocale) {
-    const std::string previous = Locale::current().identifier();
+    const testing::ScopedProcessState state;
     Locale::setCurrent("de_DE");
     EXPECT_EQ(coordinateFromGeoLocationString("1.5,2.5"), (LocationCoordinate2D{1.5, 2.5}));
     EXPECT_EQ(coordinateFromGeoLocationString("1,5;2"), (LocationCoordinate2D{1, 5}));
-    Locale::setCurrent(previous);
 }
 
 TEST(GeoLocationText, WritesSevenDecimalsOrNothingForInvalidCoordinates) {

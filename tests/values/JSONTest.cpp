@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-#include "values/HostileValues.h"
+#include "testing/HostileValues.h"
 
 namespace vn {
 namespace {
@@ -155,7 +155,7 @@ TEST(JSON, WritesWhatJSONCannotHoldAsText) {
     EXPECT_EQ(jsonString(Value(Date{0})), R"("2001-01-01 00:00:00 +0000")");
     EXPECT_EQ(jsonString(Value(Value::Dictionary{{"\xFF", "a\xC3"}})),
               "{\"\xEF\xBF\xBD\":\"a\xEF\xBF\xBD\"}");
-    const std::string deep = jsonString(testdata::nested(Value(1), 200, false));
+    const std::string deep = jsonString(testing::nested(Value(1), 200, false));
     const Value reread = jsonObject(deep);
     ASSERT_TRUE(reread.isArray());
     // Containers beyond the generator's 127 levels are carried as their own JSON text.
@@ -167,7 +167,7 @@ TEST(JSON, WritesWhatJSONCannotHoldAsText) {
     }
     EXPECT_EQ(levels, 127);
     ASSERT_TRUE(innermost.isString());
-    EXPECT_EQ(jsonObject(*innermost.string()), testdata::nested(Value(1), 200 - 127, false));
+    EXPECT_EQ(jsonObject(*innermost.string()), testing::nested(Value(1), 200 - 127, false));
 }
 
 Value randomJSONValue(std::mt19937_64& random, int depth) {
@@ -224,11 +224,11 @@ TEST(JSON, WrittenTextDecodesToAnEqualValue) {
 }
 
 TEST(JSON, EveryHostileValueWritesTextThatDecodes) {
-    for (const Value& value : testdata::hostileValues()) {
+    for (const Value& value : testing::hostileValues()) {
         for (const JSONWritingStyle style : {JSONWritingStyle::compact, JSONWritingStyle::pretty}) {
             ErrorPtr error;
             EXPECT_FALSE(jsonObject(jsonString(value, style), std::nullopt, &error).isNil())
-                << testdata::describeBriefly(value) << ": " << (error ? error->description() : "");
+                << testing::describeBriefly(value) << ": " << (error ? error->description() : "");
         }
     }
 }

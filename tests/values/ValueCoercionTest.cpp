@@ -11,7 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "values/HostileValues.h"
+#include "testing/HostileValues.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/platform/Error.h"
 #include "vn/platform/Locale.h"
 
@@ -30,19 +31,6 @@ class Switch final : public Object {
 
   private:
     std::optional<bool> state_;
-};
-
-// Sets the current locale for one test and puts the previous one back.
-class CurrentLocale {
-  public:
-    explicit CurrentLocale(std::string_view identifier)
-        : previous_(Locale::current().identifier()) {
-        Locale::setCurrent(identifier);
-    }
-    ~CurrentLocale() { Locale::setCurrent(previous_); }
-
-  private:
-    std::string previous_;
 };
 
 TEST(ValueCoercion, BoolFromValueAppliesItsRulesInOrder) {
@@ -229,7 +217,8 @@ TEST(ValueCoercion, FloatingFormsReadTextsAndPassNumbersThrough) {
 
 TEST(ValueCoercion, PointTextsIgnoreTheLocaleAndOtherTextsUseIt) {
     {
-        const CurrentLocale german("de_DE");
+        const testing::ScopedProcessState state;
+        Locale::setCurrent("de_DE");
         EXPECT_EQ(doubleNumberFromValue(Value("1,5"))->doubleValue(), 1.5);
         EXPECT_EQ(doubleNumberFromValue(Value("1.5"))->doubleValue(), 1.5);
         EXPECT_EQ(doubleNumberFromValue(Value("1.234,5"))->doubleValue(), 1.234);
@@ -243,7 +232,8 @@ TEST(ValueCoercion, PointTextsIgnoreTheLocaleAndOtherTextsUseIt) {
         EXPECT_EQ(doubleNumberFromValue(Value("2e1,5"))->doubleValue(), 20.0);
         EXPECT_EQ(doubleNumberFromValue(Value(",")), std::nullopt);
     }
-    const CurrentLocale american("en_US");
+    const testing::ScopedProcessState state;
+    Locale::setCurrent("en_US");
     EXPECT_EQ(doubleNumberFromValue(Value("1,5"))->doubleValue(), 1.0);
     EXPECT_EQ(doubleNumberFromValue(Value("1.5"))->doubleValue(), 1.5);
 }
@@ -278,7 +268,8 @@ std::string generatedNumericText(std::mt19937_64& random) {
 }
 
 TEST(ValueCoercion, FloatingFormsReadExactlyWhatStrtodAndStrtofRead) {
-    const CurrentLocale american("en_US");
+    const testing::ScopedProcessState state;
+    Locale::setCurrent("en_US");
     const locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     ASSERT_NE(cLocale, static_cast<locale_t>(nullptr));
     std::mt19937_64 random(20240611);
@@ -308,8 +299,8 @@ TEST(ValueCoercion, FloatingFormsReadExactlyWhatStrtodAndStrtofRead) {
 // ---- Every coercion answers its fallback for hostile values
 
 TEST(ValueCoercion, EveryCoercionAnswersItsFallbackForHostileValues) {
-    for (const Value& value : testdata::hostileValues()) {
-        SCOPED_TRACE(testdata::describeBriefly(value));
+    for (const Value& value : testing::hostileValues()) {
+        SCOPED_TRACE(testing::describeBriefly(value));
         const Value::Kind kind = value.kind();
         const bool scalarText = kind == Value::Kind::string;
         const bool number = kind == Value::Kind::number;

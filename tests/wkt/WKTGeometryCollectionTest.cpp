@@ -9,8 +9,8 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
-using testing_wkt::point;
+using testing::expectRaises;
+using testing::point;
 
 TEST(WKTGeometryCollection, WritesItsKeywordWithoutABlank) {
     const auto collection = std::make_shared<WKTGeometryCollection>();

@@ -17,8 +17,8 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
-using testing_wkt::point;
+using testing::expectRaises;
+using testing::point;
 
 // One geometry of every class, filled with 2-dimensional members.
 std::vector<WKTGeometryPtr> oneOfEach() {

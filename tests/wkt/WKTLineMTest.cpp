@@ -7,8 +7,8 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
-using testing_wkt::point;
+using testing::expectRaises;
+using testing::point;
 
 WKTLinePtr line(std::vector<WKTPointPtr> points) {
     return std::make_shared<WKTLine>(std::move(points));

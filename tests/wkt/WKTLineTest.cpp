@@ -7,8 +7,8 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
-using testing_wkt::point;
+using testing::expectRaises;
+using testing::point;
 
 TEST(WKTLine, SettingTwiceKeepsBothSets) {
     WKTLine line;

@@ -1,3 +1,5 @@
+#include "testing/CapturingLogListener.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/wkt/WKTParser.h"
 
 #include <gtest/gtest.h>
@@ -37,10 +39,11 @@ std::vector<std::string> split(const std::string& text) {
 }
 
 // In developer mode the parser's texts reach the errors themselves.
-class WKTParserTest : public testing::Test {
+class WKTParserTest : public ::testing::Test {
   protected:
     void SetUp() override { VNUtilities::setShowDeveloperInfo(true); }
-    void TearDown() override { VNUtilities::setShowDeveloperInfo(false); }
+
+    testing::ScopedProcessState state;
 
     // "<class> <gis> <WKT>" of the result, or "error <code> <text>".
     static std::string outcome(std::string_view text) {
@@ -376,25 +379,9 @@ TEST_F(WKTParserTest, EveryTextGivesAGeometryOrAParserError) {
     EXPECT_GT(errors, 500u);
 }
 
-class CapturingListener : public VNLogListener {
-  public:
-    void logListenerNotifyMessage(const std::string& message) override {
-        const std::lock_guard lock(mutex_);
-        messages_.push_back(message);
-    }
-    std::vector<std::string> messages() {
-        const std::lock_guard lock(mutex_);
-        return messages_;
-    }
-
-  private:
-    std::mutex mutex_;
-    std::vector<std::string> messages_;
-};
-
 TEST(WKTParser, OutsideDeveloperModeTheTextGoesToTheLogOnly) {
-    VNUtilities::setShowDeveloperInfo(false);
-    const auto listener = std::make_shared<CapturingListener>();
+    const testing::ScopedProcessState state;
+    const auto listener = std::make_shared<testing::CapturingLogListener>();
     VNLog::addListener(listener);
     ErrorPtr error;
     EXPECT_EQ(WKTParser::parseGeometry("CIRCLE(1 2)", &error), nullptr);

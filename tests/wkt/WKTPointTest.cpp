@@ -10,8 +10,8 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
-using testing_wkt::point;
+using testing::expectRaises;
+using testing::point;
 
 TEST(WKTPoint, WritesSixDecimalsWithAPointWhateverTheNumber) {
     EXPECT_EQ(WKTPoint().toWKT(), "POINT EMPTY");

@@ -14,7 +14,7 @@
 namespace vn {
 namespace {
 
-using testing_wkt::expectRaises;
+using testing::expectRaises;
 using Pieces = std::vector<std::string>;
 
 // The splitting as the expressions define it, run through ICU: every match becomes

@@ -100,7 +100,7 @@ class Coder {
     virtual ErrorPtr error() const = 0;
 
     // An NSCocoaErrorDomain error with the given code; reason goes under NSDebugDescription.
-    static ErrorPtr makeCodingError(std::int64_t code, std::string_view reason);
+    [[nodiscard]] static ErrorPtr makeCodingError(std::int64_t code, std::string_view reason);
 
   private:
     // The number under key, recording an error for any other kind.

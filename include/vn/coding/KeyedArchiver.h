@@ -53,8 +53,8 @@ class KeyedArchiver final : public Coder {
 
     // The archive of root under the key "root"; absent (with *error set when error is given)
     // when something in it cannot be archived.
-    static std::optional<Data> archivedDataWithRootObject(const Value& root,
-                                                          ErrorPtr* error = nullptr);
+    [[nodiscard]] static std::optional<Data> archivedDataWithRootObject(const Value& root,
+                                                                        ErrorPtr* error = nullptr);
 
     // Encoding at the top level writes into "$top"; inside encodeWithCoder it writes the
     // fields of the object being encoded.

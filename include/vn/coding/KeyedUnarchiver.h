@@ -52,12 +52,14 @@ class KeyedUnarchiver final : public Coder {
 
     // The value stored under "root"; absent (with *error set when error is given) when the
     // archive cannot be decoded. A root stored as nil gives a nil Value.
-    static std::optional<Value> unarchivedValue(const Data& data, ErrorPtr* error = nullptr);
+    [[nodiscard]] static std::optional<Value> unarchivedValue(const Data& data,
+                                                              ErrorPtr* error = nullptr);
 
     // The root object as a T; null (with *error set) when the archive cannot be decoded or its
     // root is not a T.
     template <typename T>
-    static std::shared_ptr<T> unarchivedObjectOfClass(const Data& data, ErrorPtr* error = nullptr) {
+    [[nodiscard]] static std::shared_ptr<T> unarchivedObjectOfClass(const Data& data,
+                                                                    ErrorPtr* error = nullptr) {
         const std::optional<Value> root = unarchivedValue(data, error);
         if (!root) return nullptr;
         auto object = root->objectAs<T>();

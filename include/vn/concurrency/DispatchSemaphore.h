@@ -16,7 +16,7 @@ class DispatchSemaphore : public Object {
     // value: the number of wait() calls that pass before the first signal(). A negative value
     // is a programming error: fatal error.
     explicit DispatchSemaphore(long value = 0);
-    static std::shared_ptr<DispatchSemaphore> create(long value = 0) {
+    [[nodiscard]] static std::shared_ptr<DispatchSemaphore> create(long value = 0) {
         return std::make_shared<DispatchSemaphore>(value);
     }
 

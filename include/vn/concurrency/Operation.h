@@ -6,7 +6,8 @@
 // starts its work in main() and calls finish() when the work is done, from any thread; a
 // synchronous one is finished when main() returns. A cancelled operation that is started
 // finishes at once without calling main(); cancelling an executing operation only sets the
-// flag (the work decides when to stop).
+// flag (the work decides when to stop). An asynchronous operation that finish() ends while it
+// is starting (from another thread) never becomes executing, and main() is not called.
 //
 // State changes are announced to observers of the keys "isExecuting", "isFinished" and
 // "isCancelled": observers hear willChange before and didChange after each change,
@@ -35,7 +36,7 @@ namespace vn {
 class Operation;
 using OperationPtr = std::shared_ptr<Operation>;
 
-namespace detail {
+namespace concurrency_internal {
 // What an operation tells the queue it belongs to.
 class OperationOwner {
   public:
@@ -44,7 +45,7 @@ class OperationOwner {
     // startedByQueue: whether the queue had started it (and counts it as running).
     virtual void operationFinished(const OperationPtr& operation, bool startedByQueue) = 0;
 };
-}  // namespace detail
+}  // namespace concurrency_internal
 
 class Operation : public Object, public VNCancelableOperation {
   public:
@@ -106,7 +107,10 @@ class Operation : public Object, public VNCancelableOperation {
 
   protected:
     // Ends an asynchronous operation: "isExecuting" becomes false and "isFinished" true.
-    // Later calls do nothing. Synchronous operations are finished by start().
+    // Safe from any thread: when several threads call it at once, exactly one announces and
+    // performs the change (each willChange followed by its didChange) and the others return
+    // at once, possibly before the change is complete. Later calls do nothing. Synchronous
+    // operations are finished by start().
     void finish();
 
     // Tells the observers of key of a change (synchronously, on the calling thread, with no
@@ -130,11 +134,13 @@ class Operation : public Object, public VNCancelableOperation {
     bool isWaitingToStartLocked() const { return !started_ && !finished_; }
     void announceReadyChange();
     void run();
+    // Claims the transition to finished for the caller; false when another call claimed it.
+    [[nodiscard]] bool claimFinish(bool& wasExecuting);
     // Registers dependent to hear of this operation's end; false when it has ended already.
     bool registerDependent(const std::weak_ptr<Object>& dependent);
     void dependencyFinished(const Operation& dependency);
     // For OperationQueue.
-    bool attach(std::shared_ptr<detail::OperationOwner> owner);
+    bool attach(std::shared_ptr<concurrency_internal::OperationOwner> owner);
     bool claimForQueue();
     void startFromQueue();
 
@@ -144,13 +150,14 @@ class Operation : public Object, public VNCancelableOperation {
     bool started_ = false;
     bool startedByQueue_ = false;
     bool executing_ = false;
+    bool finishing_ = false;  // claimed by one finish(), set before its announcements
     bool finished_ = false;
     int pendingDependencies_ = 0;
     std::vector<Dependency> dependencies_;
     std::vector<std::weak_ptr<Object>> dependents_;
     std::function<void()> completionBlock_;
     std::string name_;
-    std::shared_ptr<detail::OperationOwner> owner_;
+    std::shared_ptr<concurrency_internal::OperationOwner> owner_;
 
     mutable std::mutex observersMutex_;
     std::vector<Observer> observers_;
@@ -161,7 +168,8 @@ class Operation : public Object, public VNCancelableOperation {
 class BlockOperation : public Operation {
   public:
     explicit BlockOperation(std::function<void()> block = nullptr);
-    static std::shared_ptr<BlockOperation> blockOperationWithBlock(std::function<void()> block) {
+    [[nodiscard]] static std::shared_ptr<BlockOperation> blockOperationWithBlock(
+        std::function<void()> block) {
         return std::make_shared<BlockOperation>(std::move(block));
     }
     // Adding a block after the operation started throws an NSInvalidArgumentException.

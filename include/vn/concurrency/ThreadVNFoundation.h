@@ -14,7 +14,7 @@
 
 namespace vn {
 
-namespace detail {
+namespace concurrency_internal {
 
 // Holds the monitor of one object identity for its lifetime. A monitor exists only while some
 // thread holds or waits for it, so identities of objects that are gone leave nothing behind.
@@ -54,7 +54,7 @@ struct IsObjectPointer : std::false_type {};
 template <typename U>
 struct IsObjectPointer<std::shared_ptr<U>> : std::bool_constant<std::is_base_of_v<Object, U>> {};
 
-}  // namespace detail
+}  // namespace concurrency_internal
 
 // Runs body while holding the recursive monitor of object (keyed by its identity, shared with
 // every other objcSync on the same object), and releases it whether body returns or throws.
@@ -62,16 +62,16 @@ struct IsObjectPointer<std::shared_ptr<U>> : std::bool_constant<std::is_base_of_
 // simply runs. Safe from any thread.
 template <typename F>
 decltype(auto) objcSync(const void* identity, F&& body) {
-    detail::ObjectMonitorLock lock(identity);
+    concurrency_internal::ObjectMonitorLock lock(identity);
     return std::forward<F>(body)();
 }
 template <typename F>
 decltype(auto) objcSync(const Object& object, F&& body) {
-    return objcSync(detail::monitorIdentity(&object), std::forward<F>(body));
+    return objcSync(concurrency_internal::monitorIdentity(&object), std::forward<F>(body));
 }
 template <typename T, typename F>
 decltype(auto) objcSync(const std::shared_ptr<T>& object, F&& body) {
-    return objcSync(detail::monitorIdentity(object.get()), std::forward<F>(body));
+    return objcSync(concurrency_internal::monitorIdentity(object.get()), std::forward<F>(body));
 }
 
 // The calling thread's cached object of type T under key: the value stored in
@@ -84,7 +84,7 @@ template <typename T, typename Builder>
 T threadDictionaryCachedObject(std::string_view key, Builder&& notFoundBuilder) {
     Value::Dictionary& dictionary = Thread::threadDictionary();
     const auto found = dictionary.find(key);
-    if constexpr (detail::IsObjectPointer<T>::value) {
+    if constexpr (concurrency_internal::IsObjectPointer<T>::value) {
         using Element = typename T::element_type;
         if (found != dictionary.end()) {
             if (auto cached = found->second.template objectAs<Element>()) return cached;
@@ -93,7 +93,7 @@ T threadDictionaryCachedObject(std::string_view key, Builder&& notFoundBuilder) 
         dictionary.insert_or_assign(std::string(key), Value(built));
         return built;
     } else {
-        using Box = detail::ThreadCachedValue<T>;
+        using Box = concurrency_internal::ThreadCachedValue<T>;
         if (found != dictionary.end()) {
             if (auto box = found->second.template objectAs<Box>()) return box->value;
         }

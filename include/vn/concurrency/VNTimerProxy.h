@@ -9,6 +9,7 @@
 // Safe from any thread.
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -24,11 +25,17 @@ class VNTimerProxy : public Object {
 
     // Stores the target, interval (seconds) and repeat flag; schedules nothing.
     VNTimerProxy(ObjectPtr target, double timeInterval, bool repeats);
-    // Despite its name schedules nothing either: a new proxy.
-    static std::shared_ptr<VNTimerProxy> scheduledTimerProxyWithTarget(ObjectPtr target,
-                                                                       double timeInterval,
-                                                                       bool repeats) {
-        return std::make_shared<VNTimerProxy>(std::move(target), timeInterval, repeats);
+    // Despite its name schedules nothing either: a new proxy of class Proxy, VNTimerProxy unless
+    // named, so that a subclass gets an instance of itself:
+    // MyProxy::scheduledTimerProxyWithTarget<MyProxy>(target, 0.5, true). Proxy must derive
+    // from VNTimerProxy and take the same three constructor arguments.
+    template <typename Proxy = VNTimerProxy>
+    requires std::derived_from<Proxy, VNTimerProxy> &&
+        std::constructible_from<Proxy, ObjectPtr, double, bool>
+    [[nodiscard]] static std::shared_ptr<Proxy> scheduledTimerProxyWithTarget(ObjectPtr target,
+                                                                              double timeInterval,
+                                                                              bool repeats) {
+        return std::make_shared<Proxy>(std::move(target), timeInterval, repeats);
     }
 
     // Schedules a timer that sends message to the target (see above). A null message is

@@ -13,7 +13,8 @@ namespace vn {
 class VNWeakWrapper : public Object {
   public:
     explicit VNWeakWrapper(const ObjectPtr& innerObject = nullptr);
-    static std::shared_ptr<VNWeakWrapper> weakWrapperWithInnerObject(const ObjectPtr& innerObject) {
+    [[nodiscard]] static std::shared_ptr<VNWeakWrapper> weakWrapperWithInnerObject(
+        const ObjectPtr& innerObject) {
         return std::make_shared<VNWeakWrapper>(innerObject);
     }
 

@@ -30,7 +30,7 @@ using OptionalUserInfo = std::optional<Value::Dictionary>;
 ErrorPtr userCancelledError();
 // The same with {NSUnderlyingErrorKey: underlyingError}, or no user info when it is null.
 ErrorPtr userCancelledError(const ErrorPtr& underlyingError);
-ErrorPtr userCancelledErrorWithUnderlyingError(const ErrorPtr& underlyingError);
+[[nodiscard]] ErrorPtr userCancelledErrorWithUnderlyingError(const ErrorPtr& underlyingError);
 
 // "vn" / 99991, no user info: a signal to leave a loop in the caller, not a failure.
 ErrorPtr loopExitError();
@@ -38,29 +38,32 @@ ErrorPtr loopExitError();
 // "vn" / 0, no user info.
 ErrorPtr defaultVNError();
 // "vn" / 0 by the developer-description rule.
-ErrorPtr defaultVNErrorWithDeveloperDescription(std::string_view developerDescription);
-ErrorPtr defaultVNErrorWithDeveloperDescription(std::string_view developerDescription,
-                                                const OptionalUserInfo& userInfo);
+[[nodiscard]] ErrorPtr defaultVNErrorWithDeveloperDescription(
+    std::string_view developerDescription);
+[[nodiscard]] ErrorPtr defaultVNErrorWithDeveloperDescription(std::string_view developerDescription,
+                                                              const OptionalUserInfo& userInfo);
 // "vn.fatal" / 0 by the developer-description rule, no user info given.
-ErrorPtr fatalVNErrorWithDeveloperDescription(std::string_view developerDescription);
+[[nodiscard]] ErrorPtr fatalVNErrorWithDeveloperDescription(std::string_view developerDescription);
 // Any domain and code by the developer-description rule.
-ErrorPtr errorWithDomain(std::string_view domain, std::int64_t code,
-                         std::string_view developerDescription);
-ErrorPtr errorWithDomain(std::string_view domain, std::int64_t code,
-                         std::string_view developerDescription, const OptionalUserInfo& userInfo);
+[[nodiscard]] ErrorPtr errorWithDomain(std::string_view domain, std::int64_t code,
+                                       std::string_view developerDescription);
+[[nodiscard]] ErrorPtr errorWithDomain(std::string_view domain, std::int64_t code,
+                                       std::string_view developerDescription,
+                                       const OptionalUserInfo& userInfo);
 
 // "vn" / 0 by the localized-description rule.
-ErrorPtr defaultVNErrorWithLocalizedDescription(
+[[nodiscard]] ErrorPtr defaultVNErrorWithLocalizedDescription(
     std::optional<std::string_view> localizedDescription);
 // "vn" / code by the localized-description rule.
-ErrorPtr defaultVNErrorWithCode(std::int64_t code,
-                                std::optional<std::string_view> localizedDescription);
+[[nodiscard]] ErrorPtr defaultVNErrorWithCode(std::int64_t code,
+                                              std::optional<std::string_view> localizedDescription);
 // Any domain and code by the localized-description rule. It has its own name because
 // errorWithDomain(domain, code, text) already means the developer-description rule, and two
 // overloads told apart only by an optional text would make every call with a literal
 // ambiguous.
-ErrorPtr errorWithDomainLocalizedDescription(std::string_view domain, std::int64_t code,
-                                             std::optional<std::string_view> localizedDescription);
+[[nodiscard]] ErrorPtr errorWithDomainLocalizedDescription(
+    std::string_view domain, std::int64_t code,
+    std::optional<std::string_view> localizedDescription);
 
 // "vn.httpStatusCode" / statusCode, localized description = localizedStringForStatusCode().
 ErrorPtr errorForHTTPURLResponseStatusCode(std::int64_t statusCode);
@@ -70,7 +73,8 @@ ErrorPtr errorForHTTPURLResponseStatusCode(std::int64_t statusCode);
 ErrorPtr loginCanceledError();
 
 // "vn" / 403139 by the localized-description rule (the name's spelling is the interface's).
-ErrorPtr notAutorizedErrorWithDescription(std::optional<std::string_view> description);
+[[nodiscard]] ErrorPtr notAutorizedErrorWithDescription(
+    std::optional<std::string_view> description);
 
 // "vn" / 0 qualified by {"VNErr": VNErrCodeInvalidParameter}, by the developer-description
 // rule with the text "Wrong number of parameters calling <method>".
@@ -93,8 +97,8 @@ ErrorPtr wrongNumberOfParametersDeveloperErrorForMethod(std::string_view method,
 // with recovery options and the option at the index is this error's title; then it asks
 // VNExecutionEnvironmentHelper::openURL to open UIApplicationOpenSettingsURLString (no options,
 // no completion) and returns true. An index outside the error's options stops the process.
-ErrorPtr permissionDeniedErrorWithGoToSettingsRecoveryAttempter();
-ErrorPtr permissionDeniedErrorWithGoToSettingsRecoveryAttempter(
+[[nodiscard]] ErrorPtr permissionDeniedErrorWithGoToSettingsRecoveryAttempter();
+[[nodiscard]] ErrorPtr permissionDeniedErrorWithGoToSettingsRecoveryAttempter(
     std::optional<std::string_view> localizedRecoveryOption,
     std::optional<std::string_view> localizedDescription,
     std::optional<std::string_view> localizedRecoverySuggestion);

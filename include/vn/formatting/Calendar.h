@@ -18,7 +18,7 @@
 #include "vn/platform/Date.h"
 
 namespace vn {
-namespace formatting {
+namespace formatting_internal {
 struct CalendarFactory;
 }
 
@@ -64,7 +64,7 @@ class Calendar {
     DateComponents components(const Date& date) const;
     // The instant of the fields; absent when the fields are out of range (month 13, day 0,
     // ...) or beyond the calendar's limits.
-    std::optional<Date> dateFromComponents(const DateComponents& components) const;
+    [[nodiscard]] std::optional<Date> dateFromComponents(const DateComponents& components) const;
     // 00:00:00 of the instant's day.
     Date startOfDay(const Date& date) const;
     // Whether both instants fall on the same day (same era, year, month and day).
@@ -74,7 +74,7 @@ class Calendar {
     const Impl& impl() const { return *impl_; }
 
   private:
-    friend struct formatting::CalendarFactory;
+    friend struct formatting_internal::CalendarFactory;
     explicit Calendar(std::unique_ptr<Impl> impl);
 
     std::unique_ptr<Impl> impl_;

@@ -66,10 +66,10 @@ class DateFormatter : public Object {
     TimeZone timeZone() const;
     void setTimeZone(const TimeZone& zone);
 
-    std::string stringFromDate(const Date& date) const;
+    [[nodiscard]] std::string stringFromDate(const Date& date) const;
     // Reads the whole text by the pattern (not leniently); absent when it does not match or
     // when text is left over.
-    std::optional<Date> dateFromString(std::string_view text) const;
+    [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
 
     std::string description() const override;
 

@@ -31,7 +31,7 @@ inline constexpr std::string_view mimeTypeApplicationOctetStream = "application/
 
 // The MIME type for the extension ("png", not ".png"); absent when no type is known.
 std::optional<std::string> mimeType(std::string_view pathExtension);
-std::optional<std::string> mimeTypeFromPathExtension(std::string_view pathExtension);
+[[nodiscard]] std::optional<std::string> mimeTypeFromPathExtension(std::string_view pathExtension);
 // The same, with "application/octet-stream" when no type is known.
 std::string mimeTypeForPathExtension(std::string_view pathExtension);
 

@@ -96,12 +96,12 @@ class NumberFormatter : public Object {
     void setMinimumIntegerDigits(int digits);
 
     // The number as text; never fails (NaN gives "NaN", infinities "∞" with their sign).
-    virtual std::string stringFromNumber(const Number& number) const;
+    [[nodiscard]] virtual std::string stringFromNumber(const Number& number) const;
     // Reads the whole text as a number: absent when the text (apart from its affixes) is not
     // a number in this formatter's pattern and locale, or when text is left over. The result
     // is a decimal number when generatesDecimalNumbers is set, else an integer when the value
     // is integral, else a double.
-    virtual std::optional<Number> numberFromString(std::string_view text) const;
+    [[nodiscard]] virtual std::optional<Number> numberFromString(std::string_view text) const;
     // The text of a number value; absent for any other kind of value.
     virtual std::optional<std::string> stringForObjectValue(const Value& value) const;
 

@@ -45,9 +45,8 @@ class RegularExpression final : public Object {
     // Compiles pattern. A pattern that does not compile gives null and, through error, an
     // error of NSCocoaErrorDomain with code 2048 whose user information holds the pattern
     // under "NSInvalidValue".
-    static RegularExpressionPtr regularExpressionWithPattern(std::string_view pattern,
-                                                             std::uint32_t options = 0,
-                                                             ErrorPtr* error = nullptr);
+    [[nodiscard]] static RegularExpressionPtr regularExpressionWithPattern(
+        std::string_view pattern, std::uint32_t options = 0, ErrorPtr* error = nullptr);
 
     ~RegularExpression() override;
 

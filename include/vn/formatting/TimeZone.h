@@ -29,7 +29,7 @@ class TimeZone {
     // fixed offset written "GMT+hh:mm" / "GMT-hhmm". Absent for anything else.
     static std::optional<TimeZone> named(std::string_view identifier);
     // A fixed offset from GMT, named "GMT+hhmm" (GMT itself for 0). Absent beyond ±18 hours.
-    static std::optional<TimeZone> forSecondsFromGMT(int seconds);
+    [[nodiscard]] static std::optional<TimeZone> forSecondsFromGMT(int seconds);
     static TimeZone gmt();
 
     // The device's current zone. Safe from any thread.

@@ -42,7 +42,7 @@ class VNNumberWithPictureFormatter : public NumberFormatter, public Coding {
   public:
     // The designated initialiser: a formatter for the mask.
     explicit VNNumberWithPictureFormatter(std::string_view numberFormat);
-    static std::shared_ptr<VNNumberWithPictureFormatter> initWithNumberFormat(
+    [[nodiscard]] static std::shared_ptr<VNNumberWithPictureFormatter> initWithNumberFormat(
         std::string_view numberFormat);
 
     // Unavailable: a picture formatter without a mask means nothing. Stops the process with
@@ -55,9 +55,9 @@ class VNNumberWithPictureFormatter : public NumberFormatter, public Coding {
         numberFormat_ = std::string(numberFormat);
     }
 
-    std::string stringFromNumber(const Number& number) const override;
+    [[nodiscard]] std::string stringFromNumber(const Number& number) const override;
     // Absent when the text does not fit the mask; the result is a signed integer number.
-    std::optional<Number> numberFromString(std::string_view text) const override;
+    [[nodiscard]] std::optional<Number> numberFromString(std::string_view text) const override;
     // A number value through stringFromNumber; absent for any other kind of value.
     std::optional<std::string> stringForObjectValue(const Value& value) const override;
 
@@ -69,7 +69,7 @@ class VNNumberWithPictureFormatter : public NumberFormatter, public Coding {
     void encodeWithCoder(Coder& coder) const override;
     // The formatter for the archived mask; null (with the coder's error set) when the archive
     // holds no mask text.
-    static std::shared_ptr<VNNumberWithPictureFormatter> initWithCoder(Coder& coder);
+    [[nodiscard]] static std::shared_ptr<VNNumberWithPictureFormatter> initWithCoder(Coder& coder);
     std::string classNameForCoder() const override;
     std::vector<std::string> classHierarchyForCoder() const override;
 

@@ -42,7 +42,7 @@ VNLayoutDimension VNLayoutDimensionFromStringWithDefault(std::string_view text,
                                                          VNLayoutDimensionType defaultType,
                                                          double defaultValue);
 // The same with the default 100 percent.
-VNLayoutDimension VNLayoutDimensionFromString(std::string_view text);
+[[nodiscard]] VNLayoutDimension VNLayoutDimensionFromString(std::string_view text);
 
 // Reads a dimension from a loosely typed model value: nil gives the default; a text reads as
 // VNLayoutDimensionFromStringWithDefault; a number gives points with the number's float value;

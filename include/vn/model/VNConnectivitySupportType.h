@@ -20,10 +20,10 @@ namespace VNUtilities {
 // VNConnectivitySupportType) is taken as it is. The texts "idOnline", "idOffline" and
 // "idInherit" (exact, case-sensitive) give 0, 1 and 2. Every other text, number (booleans,
 // floating values and integers outside 0...2 included) and kind of value gives defaultValue.
-VNConnectivitySupportType connectivitySupportFromValue(const Value& value,
-                                                       VNConnectivitySupportType defaultValue);
+[[nodiscard]] VNConnectivitySupportType connectivitySupportFromValue(
+    const Value& value, VNConnectivitySupportType defaultValue);
 // The same with VNConnectivitySupportTypeOnline as default.
-inline VNConnectivitySupportType connectivitySupportFromValue(const Value& value) {
+[[nodiscard]] inline VNConnectivitySupportType connectivitySupportFromValue(const Value& value) {
     return connectivitySupportFromValue(value, VNConnectivitySupportTypeOnline);
 }
 

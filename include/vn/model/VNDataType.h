@@ -43,7 +43,7 @@ enum VNDataType : std::uint8_t {
 // "boolean", "guid", "binary", "bitmap", "vn_sdt", "vn_external_object", "audio", "video",
 // "geography", "binaryfile", "httpclient", "file", "directory", "property", "properties";
 // "unknown" for 255 and for every value outside the enumeration.
-std::string_view NSStringFromVNDataType(VNDataType type);
+[[nodiscard]] std::string_view NSStringFromVNDataType(VNDataType type);
 
 // True for the multimedia types: bitmap, audio, video and binaryfile.
 bool VNDataTypeIsMultimediaType(VNDataType type);
@@ -52,8 +52,8 @@ bool VNDataTypeIsMultimediaType(VNDataType type);
 // begins with "typ/" (in any case) the rest of it, lower-cased ("typ/HttpClient" gives
 // "httpclient"); for the user-defined type "vn_usrdeftyp" (in any case) the extended type name
 // unchanged; otherwise, and for an absent type name, absent.
-std::optional<std::string> ExtendedDataTypeName(std::optional<std::string_view> typeName,
-                                                std::optional<std::string_view> extendedTypeName);
+[[nodiscard]] std::optional<std::string> ExtendedDataTypeName(
+    std::optional<std::string_view> typeName, std::optional<std::string_view> extendedTypeName);
 
 // The data type of a type name, which may carry its size: "numeric(10,2)", "character(20)".
 // - A type name that is not a text gives VNDataTypeUnknown and leaves the out-slots untouched.
@@ -68,10 +68,12 @@ std::optional<std::string> ExtendedDataTypeName(std::optional<std::string_view> 
 //   binaryfile 15, geography, geopoint, geoline and geopolygon 14.
 // - Otherwise ExtendedDataTypeName(name, extended type name, when it is a text) decides:
 //   httpclient 16, file 17, directory 18, property 19, properties 20; anything else 255.
-VNDataType VNDataTypeWithInfoFromString(const Value& typeName, const Value& extendedTypeName,
-                                        std::optional<Number>* length,
-                                        std::optional<Number>* decimals);
+[[nodiscard]] VNDataType VNDataTypeWithInfoFromString(const Value& typeName,
+                                                      const Value& extendedTypeName,
+                                                      std::optional<Number>* length,
+                                                      std::optional<Number>* decimals);
 // The same without the length and decimals.
-VNDataType VNDataTypeFromString(const Value& typeName, const Value& extendedTypeName = {});
+[[nodiscard]] VNDataType VNDataTypeFromString(const Value& typeName,
+                                              const Value& extendedTypeName = {});
 
 }  // namespace vn

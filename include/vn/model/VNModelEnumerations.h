@@ -27,9 +27,11 @@ enum VNSpecialDomainType : std::uint8_t {
 
 // The domain of a name compared exactly; an absent, empty or unmatched name gives
 // VNSpecialDomainTypeNone.
-VNSpecialDomainType VNSpecialDomainTypeFromDomainName(std::optional<std::string_view> domainName);
+[[nodiscard]] VNSpecialDomainType VNSpecialDomainTypeFromDomainName(
+    std::optional<std::string_view> domainName);
 // The name of a domain; absent for values above 6 (VNSpecialDomainTypeNone included).
-std::optional<std::string_view> VNSpecialDomainNameFromDomainType(VNSpecialDomainType domainType);
+[[nodiscard]] std::optional<std::string_view> VNSpecialDomainNameFromDomainType(
+    VNSpecialDomainType domainType);
 
 // ---- Parameter kinds
 
@@ -40,9 +42,9 @@ enum VNParameterKind : std::uint8_t {
 };
 
 // "inout" 2, "out" 1 (in any case); anything else, "in", the empty and the absent text, 0.
-VNParameterKind VNParameterKindFromString(std::optional<std::string_view> text);
+[[nodiscard]] VNParameterKind VNParameterKindFromString(std::optional<std::string_view> text);
 // "in", "out", "inout"; "unknown" for other values.
-std::string_view NSStringFromVNParameterKind(VNParameterKind kind);
+[[nodiscard]] std::string_view NSStringFromVNParameterKind(VNParameterKind kind);
 
 // ---- Form modes: a bit set.
 
@@ -58,7 +60,7 @@ constexpr VNModeType operator|(VNModeType a, VNModeType b) {
 
 // The name of the lowest of the bits 1, 2, 4, 8 that is set ("INS" for insert and update);
 // "DSP" when none of them is set.
-std::string_view VNStringFromModeType(VNModeType modes);
+[[nodiscard]] std::string_view VNStringFromModeType(VNModeType modes);
 
 // ---- Alignment
 
@@ -79,9 +81,9 @@ enum VNHorizontalAlign : std::uint8_t {
 
 // "Default" 0, "Top" 1, "Center" and "Middle" 2, "Bottom" 3, compared exactly; a value that is
 // not a text or matches nothing ("center" included) gives 0.
-VNVerticalAlign VNVerticalAlignFromValue(const Value& value);
+[[nodiscard]] VNVerticalAlign VNVerticalAlignFromValue(const Value& value);
 // "Default" 0, "Left" 1, "Center" 2, "Right" 3, "Justify" 4, compared exactly; a value that is
 // not a text or matches nothing gives 0.
-VNHorizontalAlign VNHorizontalAlignFromValue(const Value& value);
+[[nodiscard]] VNHorizontalAlign VNHorizontalAlignFromValue(const Value& value);
 
 }  // namespace vn

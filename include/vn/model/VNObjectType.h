@@ -39,7 +39,7 @@ inline constexpr std::uint8_t kVNObjectTypeLastKnown = 15;
 
 // The identifier of a known kind; absent for VNObjectTypeUnknown. A value above 15 is a
 // programming fault that stops the process (vn::fatalError).
-std::optional<std::string_view> knownObjectIdString(VNObjectType type);
+[[nodiscard]] std::optional<std::string_view> knownObjectIdString(VNObjectType type);
 
 // What a data item is based on: the same identifiers as the object kinds 6, 7, 11 and 5.
 enum VNBasedOnType : std::uint8_t {
@@ -52,7 +52,7 @@ enum VNBasedOnType : std::uint8_t {
 
 // The based-on type of an object identifier, compared exactly; absent or any other text gives
 // VNBasedOnTypeNone.
-VNBasedOnType VNBasedOnTypeFromObjectId(std::optional<std::string_view> objectId);
+[[nodiscard]] VNBasedOnType VNBasedOnTypeFromObjectId(std::optional<std::string_view> objectId);
 
 // A qualified object reference split into its parts.
 struct VNObjectReference {
@@ -76,29 +76,33 @@ class VNObjectHelper {
     // included).
     static std::optional<VNObjectType> known(std::optional<std::string_view> objectId);
     // known(), with VNObjectTypeUnknown where it gives none.
-    static VNObjectType objectTypeEnumFromString(std::optional<std::string_view> objectId);
+    [[nodiscard]] static VNObjectType objectTypeEnumFromString(
+        std::optional<std::string_view> objectId);
     // knownObjectIdString() (fatal above 15).
-    static std::optional<std::string_view> objectTypeStringFromEnum(VNObjectType type);
+    [[nodiscard]] static std::optional<std::string_view> objectTypeStringFromEnum(
+        VNObjectType type);
 
     // A qualified reference is a text of at least 38 characters whose 37th character is "-": the
     // type is the first 36 characters and the name is everything after the "-". A value that is
     // not a text or does not have this shape gives no result.
-    static std::optional<VNObjectReference> parseObjectTypeAndName(const Value& reference);
+    [[nodiscard]] static std::optional<VNObjectReference> parseObjectTypeAndName(
+        const Value& reference);
     // The type mapped through objectTypeEnumFromString(): a type not in the table gives
     // VNObjectTypeUnknown with the name.
-    static std::optional<VNObjectEnumReference> parseObjectTypeEnumAndName(const Value& reference);
+    [[nodiscard]] static std::optional<VNObjectEnumReference> parseObjectTypeEnumAndName(
+        const Value& reference);
     // As above, but a type not in the table gives no result.
-    static std::optional<VNObjectEnumReference> parseKnownObjectTypeEnumAndName(
+    [[nodiscard]] static std::optional<VNObjectEnumReference> parseKnownObjectTypeEnumAndName(
         const Value& reference);
     // The name when the reference's type is the given identifier (compared case-insensitively);
     // no result for a reference of another type.
-    static std::optional<std::string> parseObjectName(std::string_view ofType,
-                                                      const Value& reference);
+    [[nodiscard]] static std::optional<std::string> parseObjectName(std::string_view ofType,
+                                                                    const Value& reference);
     // The name when the reference's type is the given known kind; no result for a reference of
     // another or unknown type, and none at all when asked for VNObjectTypeUnknown or a value
     // above 15.
-    static std::optional<std::string> parseObjectName(VNObjectType ofTypeEnum,
-                                                      const Value& reference);
+    [[nodiscard]] static std::optional<std::string> parseObjectName(VNObjectType ofTypeEnum,
+                                                                    const Value& reference);
 };
 
 }  // namespace vn

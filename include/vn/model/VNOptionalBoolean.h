@@ -14,13 +14,13 @@ enum VNOptionalBoolean : std::uint8_t {
 };
 
 // nullopt gives NotSet, true True, false False.
-constexpr VNOptionalBoolean VNOptionalBooleanFromBool(std::optional<bool> value) {
+[[nodiscard]] constexpr VNOptionalBoolean VNOptionalBooleanFromBool(std::optional<bool> value) {
     if (!value) return VNOptionalBooleanNotSet;
     return *value ? VNOptionalBooleanTrue : VNOptionalBooleanFalse;
 }
 
 // NotSet gives nullopt, True true, False false. A raw value above 2 is a programming fault that
 // stops the process (vn::fatalError).
-std::optional<bool> asBool(VNOptionalBoolean value);
+[[nodiscard]] std::optional<bool> asBool(VNOptionalBoolean value);
 
 }  // namespace vn

@@ -50,20 +50,21 @@ enum VNFontTypeWeight : std::uint8_t {
 };
 
 // Light gives the light keyboard, dark the dark keyboard, any other value the default one.
-UIKeyboardAppearance UIKeyboardAppearanceFromVNInputViewAppearance(
+[[nodiscard]] UIKeyboardAppearance UIKeyboardAppearanceFromVNInputViewAppearance(
     VNInputViewAppearance appearance);
 
 // Go, Search, Send, Done, Next and Join give the platform's return keys of those names
 // (numeric values 1, 6, 7, 9, 4, 3); any other value the default return key (0).
-UIReturnKeyType UIReturnKeyTypeFromVNEnterTypeKeyType(VNEnterTypeKeyType type);
+[[nodiscard]] UIReturnKeyType UIReturnKeyTypeFromVNEnterTypeKeyType(VNEnterTypeKeyType type);
 
 // The platform's text style of a category (headline, subheadline, body, footnote, caption 1,
 // caption 2); absent for VNFontCategoryNone and every value above 6.
-std::optional<UIFontTextStyle> UIFontTextStyleFromVNFontCategory(VNFontCategory category);
+[[nodiscard]] std::optional<UIFontTextStyle> UIFontTextStyleFromVNFontCategory(
+    VNFontCategory category);
 
 // The platform's weight for 0 to 8: thin -0.6, ultra-light -0.8, light -0.4, regular 0,
 // medium 0.23, semibold 0.3, bold 0.4, heavy 0.56, black 0.62. A value above 8, which the model
 // never writes, gives the regular weight (0).
-UIFontWeight UIFontWeightFromVNFontTypeWeight(VNFontTypeWeight weight);
+[[nodiscard]] UIFontWeight UIFontWeightFromVNFontTypeWeight(VNFontTypeWeight weight);
 
 }  // namespace vn

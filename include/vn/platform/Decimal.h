@@ -32,19 +32,19 @@ public:
     static constexpr int kNoScale = 32767;
 
     constexpr Decimal() = default;  // zero
-    static Decimal notANumber();
-    static Decimal fromInteger(std::int64_t value);
-    static Decimal fromUnsigned(std::uint64_t value);
+    [[nodiscard]] static Decimal notANumber();
+    [[nodiscard]] static Decimal fromInteger(std::int64_t value);
+    [[nodiscard]] static Decimal fromUnsigned(std::uint64_t value);
     // The shortest decimal text that reads back as the same double; NaN and infinities give NaN.
-    static Decimal fromDouble(double value);
+    [[nodiscard]] static Decimal fromDouble(double value);
     // mantissa × 10^exponent; NaN when the result is beyond the exponent range.
-    static Decimal fromParts(bool negative, unsigned __int128 mantissa, int exponent);
+    [[nodiscard]] static Decimal fromParts(bool negative, unsigned __int128 mantissa, int exponent);
 
     // Reads a leading number: optional blanks, optional sign, digits with an optional
     // fractional part introduced by decimalSeparator, an optional exponent ("e" or "E").
     // Digits beyond the 38th significant one are dropped. Absent when no digit was read.
     // When consumed is given it receives the number of bytes read.
-    static std::optional<Decimal> parse(std::string_view text, std::string_view decimalSeparator = ".",
+    [[nodiscard]] static std::optional<Decimal> parse(std::string_view text, std::string_view decimalSeparator = ".",
                                         std::size_t* consumed = nullptr);
 
     bool isNaN() const { return nan_; }

@@ -69,7 +69,7 @@ class Error final : public Object {
 public:
     // userInfo nil means "no user information"; it reads as an empty dictionary.
     Error(std::string domain, std::int64_t code, Value userInfo = {});
-    static ErrorPtr make(std::string_view domain, std::int64_t code, Value userInfo = {});
+    [[nodiscard]] static ErrorPtr make(std::string_view domain, std::int64_t code, Value userInfo = {});
 
     const std::string& domain() const { return domain_; }
     std::int64_t code() const { return code_; }

@@ -22,12 +22,12 @@ public:
     enum class Kind : std::uint8_t { boolean, signedInteger, unsignedInteger, floatingPoint, doublePrecision, decimal };
 
     constexpr Number() : value_(std::int64_t{0}) {}
-    static Number fromBool(bool value) { return Number(Storage(value)); }
-    static Number fromInteger(std::int64_t value) { return Number(Storage(value)); }
-    static Number fromUnsigned(std::uint64_t value) { return Number(Storage(value)); }
-    static Number fromFloat(float value) { return Number(Storage(value)); }
-    static Number fromDouble(double value) { return Number(Storage(value)); }
-    static Number fromDecimal(const Decimal& value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromBool(bool value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromInteger(std::int64_t value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromUnsigned(std::uint64_t value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromFloat(float value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromDouble(double value) { return Number(Storage(value)); }
+    [[nodiscard]] static Number fromDecimal(const Decimal& value) { return Number(Storage(value)); }
 
     // Implicit boxing of C++ scalars keeps their kind; bool is a boolean, never an integer.
     template <std::integral T>
@@ -75,6 +75,6 @@ private:
 };
 
 // Shortest text that reads back as the same double ("0.1", "12", "1e+20", "nan", "inf").
-std::string shortestDoubleText(double value);
+[[nodiscard]] std::string shortestDoubleText(double value);
 
 }  // namespace vn

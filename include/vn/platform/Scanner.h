@@ -17,7 +17,6 @@
 #pragma once
 
 #include <bitset>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -115,12 +114,8 @@ class Scanner {
     // skipping and without a scanner: the offset just after the number, or `at` itself when no
     // number starts there (`result` is then untouched). For callers that read one number from
     // a text and cannot afford to set up a scanner.
-    static std::size_t readDoubleWithPoint(std::string_view text, std::size_t at, double* result) {
-        return readWithPoint(text, at, result);
-    }
-    static std::size_t readFloatWithPoint(std::string_view text, std::size_t at, float* result) {
-        return readWithPoint(text, at, result);
-    }
+    static std::size_t readDoubleWithPoint(std::string_view text, std::size_t at, double* result);
+    static std::size_t readFloatWithPoint(std::string_view text, std::size_t at, float* result);
 
     // A decimal of up to 38 significant digits (later digits are dropped) in the same syntax;
     // an exponent beyond the decimal's range gives the decimal NaN.
@@ -166,57 +161,9 @@ class Scanner {
         return scanFloatingWithSeparator(start, result);
     }
 
-    // Texts up to this long are read digit by digit and computed exactly when their mantissa
-    // and power of ten are exact in the type (one multiplication or division then gives the
-    // correctly rounded value); longer ones go straight to std::from_chars, whose reading of
-    // eight digits at a time wins on them. std::from_chars reads the same decimal syntax as
-    // strtod once the first character is known to start a number (so "inf", "nan" and a
-    // second sign never reach it). Inline: a coercion reading one short text pays for little
-    // else.
-    static constexpr std::size_t kShortNumberTextLength = 12;
-
-    template <typename Floating>
-    static std::size_t readWithPoint(std::string_view text, std::size_t at, Floating* result) {
-        std::size_t first = at;
-        if (first < text.size() && text[first] == '+') ++first;
-        const bool negative = first == at && first < text.size() && text[first] == '-';
-        const std::size_t body = negative ? first + 1 : first;
-        if (body >= text.size() || !((text[body] >= '0' && text[body] <= '9') || text[body] == '.'))
-            return at;
-        std::size_t end = at;
-        if (text.size() - body <= kShortNumberTextLength &&
-            readExactly(text, body, negative, result, end))
-            return end;
-        Floating value = 0;
-        const char* begin = text.data() + first;
-        const auto [numberEnd, error] = std::from_chars(begin, text.data() + text.size(), value);
-        if (error == std::errc::invalid_argument) return at;
-        if (error == std::errc::result_out_of_range) value = beyondRange(begin, numberEnd, value);
-        if (result) *result = value;
-        return static_cast<std::size_t>(numberEnd - text.data());
-    }
-    // The exact reading above, for the number whose digits start at body; false when it does
-    // not apply (`result` is then untouched).
-    static bool readExactly(std::string_view text, std::size_t body, bool negative, double* result,
-                            std::size_t& end);
-    static bool readExactly(std::string_view text, std::size_t body, bool negative, float* result,
-                            std::size_t& end);
-    // The value of a number beyond the type's range (±infinity, ±0 or a subnormal), as strtod
-    // reads it; the last argument only selects the type.
-    static double beyondRange(const char* begin, const char* end, double);
-    static float beyondRange(const char* begin, const char* end, float);
-
-    bool scanFloatingWithPoint(std::size_t start, double* result) {
-        return moveAfterNumber(start, readDoubleWithPoint(text_, start, result));
-    }
-    bool scanFloatingWithPoint(std::size_t start, float* result) {
-        return moveAfterNumber(start, readFloatWithPoint(text_, start, result));
-    }
-    bool moveAfterNumber(std::size_t start, std::size_t end) {
-        if (end == start) return false;
-        location_ = end;
-        return true;
-    }
+    bool scanFloatingWithPoint(std::size_t start, double* result);
+    bool scanFloatingWithPoint(std::size_t start, float* result);
+    bool moveAfterNumber(std::size_t start, std::size_t end);
     bool scanFloatingWithSeparator(std::size_t start, double* result);
     bool scanFloatingWithSeparator(std::size_t start, float* result);
     // Whether `string` (not empty) occurs at `at`, compared by caseSensitive().

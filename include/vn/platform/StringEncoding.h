@@ -49,16 +49,16 @@ inline constexpr StringEncoding NSUTF32LittleEndianStringEncoding = 0x9c000100;
 // values, and ISO 8859-16 where the ICU data lacks it, as Debian's does). UTF-16 and UTF-32
 // without an endianness start with a byte-order mark and use the host's byte order, as the
 // platform writes them.
-std::optional<Data> dataUsingEncoding(std::string_view text, StringEncoding encoding);
+[[nodiscard]] std::optional<Data> dataUsingEncoding(std::string_view text, StringEncoding encoding);
 
 // The bytes read in the encoding, as UTF-8; absent when they are not valid in the encoding
 // or for an encoding that cannot be converted here. UTF-16 and UTF-32 without an endianness
 // honour a leading byte-order mark (big-endian without one).
-std::optional<std::string> stringFromData(const Data& data, StringEncoding encoding);
+[[nodiscard]] std::optional<std::string> stringFromData(const Data& data, StringEncoding encoding);
 
 // The preferred charset name of an encoding ("utf-8", "iso-8859-1", "windows-1252",
 // "shift_jis", ...); absent for an unknown encoding.
-std::optional<std::string> charsetNameForEncoding(StringEncoding encoding);
+[[nodiscard]] std::optional<std::string> charsetNameForEncoding(StringEncoding encoding);
 
 namespace VNUtilities {
 
@@ -67,8 +67,9 @@ namespace VNUtilities {
 // "euc-jp", "shift_jis"/"sjis", "iso-2022-jp", the "windows-" code pages 874 and 1250 to
 // 1258 (also "cp1252"), "macintosh", "utf-16", "utf-16be", "utf-16le", "utf-32", "utf-32be",
 // "utf-32le" (the UTF names also with a " bom" suffix). Absent for any other name.
-std::optional<StringEncoding> stringEncoding(std::string_view charset);
-std::optional<StringEncoding> stringEncodingFromCharsetString(std::string_view charset);
+[[nodiscard]] std::optional<StringEncoding> stringEncoding(std::string_view charset);
+[[nodiscard]] std::optional<StringEncoding> stringEncodingFromCharsetString(
+    std::string_view charset);
 
 }  // namespace VNUtilities
 }  // namespace vn

@@ -27,7 +27,7 @@ class URL {
     // - the rest of the grammar broken: a second "#", "[" or "]" outside an IP-literal host, a
     //   port that is not digits, a bracketed host that is neither an IPv6 address nor an
     //   IPvFuture literal, a user-information part containing "@".
-    static std::optional<URL> URLWithString(std::string_view text);
+    [[nodiscard]] static std::optional<URL> URLWithString(std::string_view text);
 
     // The text exactly as it was given.
     const std::string& absoluteString() const { return text_; }

@@ -38,7 +38,7 @@ public:
 
     Value() noexcept = default;
     Value(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor): nil
-    static Value null();
+    [[nodiscard]] static Value null();
 
     Value(Number number) : storage_(number) {}  // NOLINT(google-explicit-constructor)
     template <typename T>
@@ -131,6 +131,6 @@ private:
 
 // The platform's text-to-boolean rule: skip leading white space, an optional sign and leading
 // zeros; true when the next character is Y, y, T, t or a digit 1-9. The rest is ignored.
-bool textBoolValue(std::string_view text);
+[[nodiscard]] bool textBoolValue(std::string_view text);
 
 }  // namespace vn

@@ -28,7 +28,7 @@ struct Color {
     //     opaque.
     // Everything else is absent: nil, the null marker, booleans, floating and decimal numbers,
     // negative or larger integers, other texts, data, dates, collections and objects.
-    static std::optional<Color> colorFromValue(const Value& value);
+    [[nodiscard]] static std::optional<Color> colorFromValue(const Value& value);
 
     bool operator==(const Color&) const = default;
 };

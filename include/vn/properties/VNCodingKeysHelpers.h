@@ -158,7 +158,7 @@ struct VNCodingValueType<std::shared_ptr<T>> {
     }
 };
 
-namespace coding_keys_detail {
+namespace properties_internal {
 
 // Sends message to the registered logger service, if any.
 void logToLoggerService(const std::string& message);
@@ -176,7 +176,7 @@ std::string typeName() {
     return VNCodingValueType<T>::name();
 }
 
-}  // namespace coding_keys_detail
+}  // namespace properties_internal
 
 struct VNCodingKeysHelpers {
     VNCodingKeysHelpers() = delete;
@@ -196,12 +196,12 @@ struct VNCodingKeysHelpers {
         const std::string keyText = key.stringValue();
         if (value.isNil()) {
             if (logNotFoundError)
-                coding_keys_detail::logToLoggerService("Value for '" + keyText +
-                                                       "' field not present");
+                properties_internal::logToLoggerService("Value for '" + keyText +
+                                                        "' field not present");
         } else if (logTypeMissmatch) {
-            coding_keys_detail::logToLoggerService(
+            properties_internal::logToLoggerService(
                 "Value for '" + keyText + "' key has invalid type. Required " +
-                coding_keys_detail::typeName<T>() + " but found: " + value.description());
+                properties_internal::typeName<T>() + " but found: " + value.description());
         }
         return std::nullopt;
     }

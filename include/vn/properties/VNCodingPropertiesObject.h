@@ -38,7 +38,7 @@ class VNCodingPropertiesObject : public VNPropertiesObject, public Coding {
     using VNPropertiesObject::VNPropertiesObject;
 
     // The bag the coder holds, or null when decoding fails (see above).
-    static std::shared_ptr<VNCodingPropertiesObject> initWithCoder(Coder& coder);
+    [[nodiscard]] static std::shared_ptr<VNCodingPropertiesObject> initWithCoder(Coder& coder);
 
     // The plain lookup (VNPropertiesObject::getPropertyValue); stops the process when the
     // stored value is not keyed-codable. nil passes through.

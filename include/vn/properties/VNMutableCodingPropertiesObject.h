@@ -29,7 +29,8 @@ class VNMutableCodingPropertiesObject : public VNMutablePropertiesObject, public
     using VNMutablePropertiesObject::VNMutablePropertiesObject;
 
     // The bag the coder holds, or null when decoding fails (see VNCodingPropertiesObject).
-    static std::shared_ptr<VNMutableCodingPropertiesObject> initWithCoder(Coder& coder);
+    [[nodiscard]] static std::shared_ptr<VNMutableCodingPropertiesObject> initWithCoder(
+        Coder& coder);
 
     // The plain lookup, checked to be keyed-codable (stops the process otherwise).
     Value getCodingPropertyValue(std::string_view name) const;

@@ -42,17 +42,17 @@ constexpr std::int64_t rawValue(VNLoggerLevel level) {
 // The case with the given raw value, or std::nullopt when no case has it:
 // fromRawValue<VNLoggerType>(1) is network, fromRawValue<VNLoggerLevel>(7) is nullopt.
 template <typename Enumeration>
-constexpr std::optional<Enumeration> fromRawValue(std::int64_t raw) = delete;
+[[nodiscard]] constexpr std::optional<Enumeration> fromRawValue(std::int64_t raw) = delete;
 
 template <>
-constexpr std::optional<VNLoggerType> fromRawValue<VNLoggerType>(std::int64_t raw) {
+[[nodiscard]] constexpr std::optional<VNLoggerType> fromRawValue<VNLoggerType>(std::int64_t raw) {
     if (raw < rawValue(VNLoggerType::general) || raw > rawValue(VNLoggerType::userInterface))
         return std::nullopt;
     return static_cast<VNLoggerType>(raw);
 }
 
 template <>
-constexpr std::optional<VNLoggerLevel> fromRawValue<VNLoggerLevel>(std::int64_t raw) {
+[[nodiscard]] constexpr std::optional<VNLoggerLevel> fromRawValue<VNLoggerLevel>(std::int64_t raw) {
     if (raw < rawValue(VNLoggerLevel::off) || raw > rawValue(VNLoggerLevel::verbose))
         return std::nullopt;
     return static_cast<VNLoggerLevel>(raw);

@@ -18,7 +18,8 @@ namespace vn::VNUtilities {
 //   !'Hola'  -> Hola    (quotes, translatable)
 //   ""       -> (empty) (quotes)
 //   "Hello'  -> "Hello' (unchanged)
-std::string stringByRemovingEnclosingQuotes(std::string_view text, bool* hasQuotes = nullptr,
-                                            bool* isTranslatable = nullptr);
+[[nodiscard]] std::string stringByRemovingEnclosingQuotes(std::string_view text,
+                                                          bool* hasQuotes = nullptr,
+                                                          bool* isTranslatable = nullptr);
 
 }  // namespace vn::VNUtilities

@@ -32,6 +32,6 @@ LocationCoordinate2D coordinateFromGeoLocationString(const V& value) {
 
 // "latitude,longitude", each with exactly seven decimals and "." as separator whatever the
 // locale ("-34.9000000,-56.1600000"); the empty text when the coordinate is not valid.
-std::string geoLocationStringFromCoordinate(const LocationCoordinate2D& coordinate);
+[[nodiscard]] std::string geoLocationStringFromCoordinate(const LocationCoordinate2D& coordinate);
 
 }  // namespace vn::VNUtilities

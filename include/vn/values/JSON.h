@@ -41,7 +41,8 @@ enum class JSONWritingStyle : std::uint8_t {
 // string of their standard description; invalid UTF-8 in texts and keys as U+FFFD. Containers
 // nested beyond the generator's depth limit (127 levels) are written as a string holding their
 // own compact JSON.
-std::string jsonString(const Value& value, JSONWritingStyle style = JSONWritingStyle::compact);
+[[nodiscard]] std::string jsonString(const Value& value,
+                                     JSONWritingStyle style = JSONWritingStyle::compact);
 
 namespace VNUtilities {
 
@@ -55,10 +56,11 @@ namespace VNUtilities {
 // - a value of another kind: VNErrorDomain / 0 with VNErrUserInfoKey = VNErrCodeInvalidParameter
 //   and a kJSONErrorDetailKey naming both kinds.
 // On success *error is set to null.
-Value jsonObject(std::string_view text, std::optional<Value::Kind> ofClass = std::nullopt,
-                 ErrorPtr* error = nullptr);
-Value jsonObject(const Data& data, std::optional<Value::Kind> ofClass = std::nullopt,
-                 ErrorPtr* error = nullptr);
+[[nodiscard]] Value jsonObject(std::string_view text,
+                               std::optional<Value::Kind> ofClass = std::nullopt,
+                               ErrorPtr* error = nullptr);
+[[nodiscard]] Value jsonObject(const Data& data, std::optional<Value::Kind> ofClass = std::nullopt,
+                               ErrorPtr* error = nullptr);
 
 }  // namespace VNUtilities
 }  // namespace vn

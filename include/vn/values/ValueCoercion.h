@@ -30,15 +30,15 @@ namespace vn::VNUtilities {
 // "false", "no", "0", "abc" and " " are false); an object gives its boolValue() when it has
 // one. Everything else (the null marker, data, dates, collections, objects without a boolean
 // value) gives defaultValue.
-bool boolFromValue(const Value& value, bool defaultValue);
-inline bool boolFromValue(const Value& value) {
+[[nodiscard]] bool boolFromValue(const Value& value, bool defaultValue);
+[[nodiscard]] inline bool boolFromValue(const Value& value) {
     return boolFromValue(value, false);
 }
 
 // A boolean number holding true when boolFromValue(value) is true; absent otherwise (false is
 // never answered as a number).
-std::optional<Number> numberWithBoolIfTrueFromValue(const Value& value);
-inline std::optional<Number> numberWithBoolIfTrue(const Value& value) {
+[[nodiscard]] std::optional<Number> numberWithBoolIfTrueFromValue(const Value& value);
+[[nodiscard]] inline std::optional<Number> numberWithBoolIfTrue(const Value& value) {
     return numberWithBoolIfTrueFromValue(value);
 }
 
@@ -47,22 +47,22 @@ inline std::optional<Number> numberWithBoolIfTrue(const Value& value) {
 // Absent for nil and the null marker; a text as it is; any other value as its standard
 // textual description (the number 12 gives "12", true gives "1", an array its property-list
 // form).
-std::optional<std::string> stringFromObject(const Value& value);
+[[nodiscard]] std::optional<std::string> stringFromObject(const Value& value);
 // stringFromObject(), but absent when that text is empty.
-std::optional<std::string> nonEmptyStringFromObject(const Value& value);
-inline std::optional<std::string> nonEmptyString(const Value& value) {
+[[nodiscard]] std::optional<std::string> nonEmptyStringFromObject(const Value& value);
+[[nodiscard]] inline std::optional<std::string> nonEmptyString(const Value& value) {
     return nonEmptyStringFromObject(value);
 }
 
 // True for an absent text and for the empty text; a text of blanks is not empty.
-inline bool isStringNullOrEmpty(std::optional<std::string_view> text) {
+[[nodiscard]] inline bool isStringNullOrEmpty(std::optional<std::string_view> text) {
     return !text || text->empty();
 }
 // The Value form (chosen only for an actual vn::Value, so texts never convert to one): true for
 // nil, the null marker and the empty text; false for any other text and for every value that is
 // not a text at all.
 template <std::same_as<Value> V>
-bool isStringNullOrEmpty(const V& value) {
+[[nodiscard]] bool isStringNullOrEmpty(const V& value) {
     if (value.isNil() || value.isNull()) return true;
     const std::string* text = value.string();
     return text && text->empty();
@@ -73,13 +73,13 @@ bool isStringNullOrEmpty(const V& value) {
 // The present-value form: the value itself when it is an array, otherwise a new array holding
 // just the value (the null marker too). nil, which no present value is, gives an empty array.
 // The result is always an array.
-Value arrayFromObject(const Value& value);
+[[nodiscard]] Value arrayFromObject(const Value& value);
 // The optional-value form: nil for nil, otherwise arrayFromObject(value).
-Value array(const Value& value);
+[[nodiscard]] Value array(const Value& value);
 
 // nil for nil; for an array its last element (nil when it is empty); any other value unchanged.
-Value lastObjectIfArrayFromObject(const Value& value);
-inline Value lastObjectIfArray(const Value& value) {
+[[nodiscard]] Value lastObjectIfArrayFromObject(const Value& value);
+[[nodiscard]] inline Value lastObjectIfArray(const Value& value) {
     return lastObjectIfArrayFromObject(value);
 }
 
@@ -93,16 +93,17 @@ inline Value lastObjectIfArray(const Value& value) {
 // a negative result gives no number. A number whose integer value is negative gives no number,
 // otherwise its unsigned integer value (booleans as 0 and 1, floating values truncated toward
 // zero and saturated, NaN as 0).
-std::optional<Number> unsignedIntegerNumberFromValue(const Value& value);
+[[nodiscard]] std::optional<Number> unsignedIntegerNumberFromValue(const Value& value);
 // unsignedIntegerNumberFromValue()'s value, or defaultValue when it gives none.
-std::uint64_t unsignedIntegerFromValue(const Value& value, std::uint64_t defaultValue);
+[[nodiscard]] std::uint64_t unsignedIntegerFromValue(const Value& value,
+                                                     std::uint64_t defaultValue);
 
 // A signed-integer number. A text is scanned as an integer (saturating at INT64_MIN and
 // INT64_MAX); a number gives its integer value (booleans as 0 and 1, floating values truncated
 // toward zero and saturated, NaN as 0).
-std::optional<Number> integerNumberFromValue(const Value& value);
+[[nodiscard]] std::optional<Number> integerNumberFromValue(const Value& value);
 // integerNumberFromValue()'s value, or defaultValue when it gives none.
-std::int64_t integerFromValue(const Value& value, std::int64_t defaultValue);
+[[nodiscard]] std::int64_t integerFromValue(const Value& value, std::int64_t defaultValue);
 
 // Floating forms. A text that contains "." is read with "." as decimal separator; any other
 // text with the current locale's separator, so "1.5" is always one and a half while "1,5" is one
@@ -113,8 +114,8 @@ std::int64_t integerFromValue(const Value& value, std::int64_t defaultValue);
 // NaN). The locale is consulted only when its separator could change the result (a text
 // without "." in which something other than a blank, sign or exponent follows the integer
 // digits), so reading a plain numeric text allocates nothing and looks up no locale.
-std::optional<Number> floatNumberFromValue(const Value& value);
-std::optional<Number> doubleNumberFromValue(const Value& value);
-std::optional<Number> decimalNumberFromValue(const Value& value);
+[[nodiscard]] std::optional<Number> floatNumberFromValue(const Value& value);
+[[nodiscard]] std::optional<Number> doubleNumberFromValue(const Value& value);
+[[nodiscard]] std::optional<Number> decimalNumberFromValue(const Value& value);
 
 }  // namespace vn::VNUtilities

@@ -28,15 +28,15 @@ LocationCoordinate2D coordinateFromGeoString(std::optional<std::string_view> tex
 // Geography: the Well-Known Text of the point (X = longitude, Y = latitude), or "POINT EMPTY"
 // for a coordinate that is not valid. Other types: geoLocationStringFromCoordinate(coordinate),
 // the empty text for a coordinate that is not valid.
-std::string geoLocationStringFromCoordinate(const LocationCoordinate2D& coordinate,
-                                            VNDataType type);
+[[nodiscard]] std::string geoLocationStringFromCoordinate(const LocationCoordinate2D& coordinate,
+                                                          VNDataType type);
 
 // The point a Well-Known Text holds; the exact text "POINT EMPTY" (which the parser refuses)
 // gives a new empty point; any other geometry or a failed parse gives null.
-WKTPointPtr wktPointFromGeoString(std::optional<std::string_view> text);
+[[nodiscard]] WKTPointPtr wktPointFromGeoString(std::optional<std::string_view> text);
 
 // The Well-Known Text line as a map polyline (latitude = Y, longitude = X); absent when the
 // text is not a line with at least one point.
-std::optional<MapPolyline> polylineFromGeoLine(std::optional<std::string_view> text);
+[[nodiscard]] std::optional<MapPolyline> polylineFromGeoLine(std::optional<std::string_view> text);
 
 }  // namespace vn::VNUtilities

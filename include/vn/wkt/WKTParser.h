@@ -64,9 +64,10 @@ class WKTParser {
     WKTParser() = delete;
 
     // The geometry, or null on any failure (no error is reported).
-    static WKTGeometryPtr parseGeometry(std::optional<std::string_view> input);
+    [[nodiscard]] static WKTGeometryPtr parseGeometry(std::optional<std::string_view> input);
     // The geometry, or null with the error stored through error (when error is not null).
-    static WKTGeometryPtr parseGeometry(std::optional<std::string_view> input, ErrorPtr* error);
+    [[nodiscard]] static WKTGeometryPtr parseGeometry(std::optional<std::string_view> input,
+                                                      ErrorPtr* error);
 
     // The recognised keyword ("MULTIPOLYGON Z", "GEOMETRYCOLLECTION", ...), absent when none
     // occurs in the text.
@@ -82,13 +83,18 @@ class WKTParser {
     // Parsers of one body (parentheses already stripped) with 2 or 3 coordinates per point;
     // "EMPTY" gives the empty geometry of the class. Other dimensions than 2 and 3 give the
     // dimensions error.
-    static WKTPointPtr parsePoint(std::string_view input, int dimensions, ErrorPtr* error);
-    static WKTPointMPtr parseMultiPoint(std::string_view input, int dimensions, ErrorPtr* error);
-    static WKTLinePtr parseLine(std::string_view input, int dimensions, ErrorPtr* error);
-    static WKTLineMPtr parseMultiLine(std::string_view input, int dimensions, ErrorPtr* error);
-    static WKTPolygonPtr parsePolygon(std::string_view input, int dimensions, ErrorPtr* error);
-    static WKTPolygonMPtr parseMultiPolygon(std::string_view input, int dimensions,
-                                            ErrorPtr* error);
+    [[nodiscard]] static WKTPointPtr parsePoint(std::string_view input, int dimensions,
+                                                ErrorPtr* error);
+    [[nodiscard]] static WKTPointMPtr parseMultiPoint(std::string_view input, int dimensions,
+                                                      ErrorPtr* error);
+    [[nodiscard]] static WKTLinePtr parseLine(std::string_view input, int dimensions,
+                                              ErrorPtr* error);
+    [[nodiscard]] static WKTLineMPtr parseMultiLine(std::string_view input, int dimensions,
+                                                    ErrorPtr* error);
+    [[nodiscard]] static WKTPolygonPtr parsePolygon(std::string_view input, int dimensions,
+                                                    ErrorPtr* error);
+    [[nodiscard]] static WKTPolygonMPtr parseMultiPolygon(std::string_view input, int dimensions,
+                                                          ErrorPtr* error);
 };
 
 }  // namespace vn

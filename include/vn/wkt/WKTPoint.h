@@ -22,7 +22,8 @@ class WKTPoint final : public WKTGeometry {
     WKTPoint(double x, double y, double z);
 
     // A 2-dimensional point from a map coordinate: X = longitude, Y = latitude.
-    static std::shared_ptr<WKTPoint> initWithCoordinates(const LocationCoordinate2D& coordinate);
+    [[nodiscard]] static std::shared_ptr<WKTPoint> initWithCoordinates(
+        const LocationCoordinate2D& coordinate);
     // A new empty point.
     static std::shared_ptr<WKTPoint> emptyGeography();
 

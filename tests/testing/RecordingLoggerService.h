@@ -1,7 +1,4 @@
-// Helpers for tests that watch the log: a listener that keeps what it hears, a host logger
-// service that records what it is sent, and a scope that puts the log's process-wide state
-// (switches, defaults, listeners, file, services) back to a fresh process's on entry and on
-// exit.
+// A host logger service for tests: records what it is sent, safe from any thread.
 #pragma once
 
 #include <cstdio>
@@ -10,29 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "vn/log/VNLog.h"
 #include "vn/platform/Exception.h"
-#include "vn/platform/ExecutionEnvironment.h"
-#include "vn/platform/UserDefaults.h"
-#include "vn/services/VNFoundationServices.h"
+#include "vn/services/VNLoggerService.h"
 
 namespace vn::testing {
-
-class CapturingLogListener final : public VNLogListener {
-  public:
-    void logListenerNotifyMessage(const std::string& message) override {
-        std::lock_guard lock(mutex_);
-        messages_.push_back(message);
-    }
-    std::vector<std::string> messages() const {
-        std::lock_guard lock(mutex_);
-        return messages_;
-    }
-
-  private:
-    mutable std::mutex mutex_;
-    std::vector<std::string> messages_;
-};
 
 // A host logger: enabled, every kind at verbose except the network kind, which is at debug
 // until configured. endLogging() says on standard error that it ran (so a death test can see
@@ -82,28 +60,6 @@ class RecordingLoggerService final : public VNLoggerService {
     VNLoggerLevel networkLevel_ = VNLoggerLevel::debug;
     bool failOnEnd_ = false;
     std::vector<Entry> entries_;
-};
-
-inline void resetLogState() {
-    VNUtilities::setShowDeveloperInfo(false);
-    VNUtilities::setIsTolvarApp(false);
-    UserDefaults::standard().reset();
-    VNLog::reset();
-    VNFoundationServices::reset();
-}
-
-class ScopedLogState {
-  public:
-    ScopedLogState() { resetLogState(); }
-    ~ScopedLogState() { resetLogState(); }
-    ScopedLogState(const ScopedLogState&) = delete;
-    ScopedLogState& operator=(const ScopedLogState&) = delete;
-
-    // Console off, file on.
-    static void turnFileOn() {
-        VNUtilities::setIsTolvarApp(true);
-        UserDefaults::standard().setBool(true, VNLog::logEnabledPreferenceKey);
-    }
 };
 
 }  // namespace vn::testing

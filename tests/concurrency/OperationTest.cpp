@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <latch>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -135,6 +137,84 @@ TEST(Operation, AnAsynchronousOperationRunsUntilItFinishesItself) {
     EXPECT_TRUE(operation->isFinished() && !operation->isExecuting());
     EXPECT_EQ(*changes, kRunToCompletion);
     EXPECT_EQ(finishedChanges, 0) << "a removed observer hears nothing";
+}
+
+// An asynchronous operation whose finish() any thread may call.
+class ExternallyFinishedOperation : public Operation {
+  public:
+    bool isAsynchronous() const override { return true; }
+    using Operation::finish;
+};
+
+TEST(Operation, FinishFromASecondThreadDuringTheAnnouncementsDoesNotAnnounceAgain) {
+    auto operation = std::make_shared<ExternallyFinishedOperation>();
+    operation->start();
+    const auto changes = recordChanges(*operation);
+    bool secondFinishCalled = false;
+    bool secondFinishReturned = false;
+    bool finishedWhenSecondReturned = true;
+    operation->addObserver(Operation::isFinishedKey, [&](Operation&, std::string_view,
+                                                         Operation::KeyValueChange change) {
+        if (change != Operation::KeyValueChange::willChange || secondFinishCalled) return;
+        secondFinishCalled = true;
+        // The first finish() is between its will- and did-announcements: a second thread
+        // finishing now must neither announce nor complete the change a second time.
+        std::thread second([&] { operation->finish(); });
+        second.join();
+        secondFinishReturned = true;
+        finishedWhenSecondReturned = operation->isFinished();
+    });
+    operation->finish();
+    EXPECT_TRUE(secondFinishReturned);
+    EXPECT_FALSE(finishedWhenSecondReturned) << "the first finish() still owned the change";
+    EXPECT_TRUE(operation->isFinished() && !operation->isExecuting());
+    EXPECT_EQ(*changes, (Changes{"will isExecuting", "will isFinished", "did isExecuting",
+                                 "did isFinished"}));
+}
+
+TEST(Operation, TwoThreadsFinishingAtOnceAnnounceEachChangeOnceAndCompleteOnce) {
+    for (int round = 0; round < 300; ++round) {
+        auto operation = std::make_shared<ExternallyFinishedOperation>();
+        operation->start();
+        const auto changes = recordChanges(*operation);
+        std::atomic<int> completions = 0;
+        operation->setCompletionBlock([&] { ++completions; });
+        std::latch bothReady(2);
+        auto finishTogether = [&] {
+            bothReady.arrive_and_wait();
+            operation->finish();
+        };
+        std::thread first(finishTogether);
+        std::thread second(finishTogether);
+        first.join();
+        second.join();
+        ASSERT_EQ(*changes, (Changes{"will isExecuting", "will isFinished", "did isExecuting",
+                                     "did isFinished"}))
+            << "round " << round;
+        ASSERT_EQ(completions, 1) << "round " << round;
+    }
+}
+
+TEST(Operation, AnOperationFinishedWhileItStartsNeverBecomesExecuting) {
+    class CountingOperation : public ExternallyFinishedOperation {
+      public:
+        int mainCalls = 0;
+        void main() override { ++mainCalls; }
+    };
+    auto operation = std::make_shared<CountingOperation>();
+    const auto changes = recordChanges(*operation);
+    operation->addObserver(Operation::isExecutingKey,
+                           [&](Operation&, std::string_view, Operation::KeyValueChange change) {
+                               if (change != Operation::KeyValueChange::willChange) return;
+                               std::thread([&] { operation->finish(); }).join();
+                           });
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_FALSE(operation->isExecuting());
+    EXPECT_EQ(operation->mainCalls, 0);
+    EXPECT_EQ(*changes,
+              (Changes{"will isExecuting", "will isFinished", "did isFinished", "did isExecuting"}))
+        << "each change announced before and after, once";
 }
 
 TEST(BlockOperation, RunsItsBlocksInOrderAndRefusesBlocksOnceStarted) {

@@ -13,19 +13,11 @@
 #include <ostream>
 #include <string>
 
+#include "testing/ValuePrinting.h"
 #include "vn/coding/Coder.h"
 #include "vn/coding/Coding.h"
 #include "vn/platform/FileSystem.h"
 #include "vn/platform/Value.h"
-
-namespace vn {
-
-// Readable test failures for values.
-inline void PrintTo(const Value& value, std::ostream* out) {
-    *out << value.description();
-}
-
-}  // namespace vn
 
 namespace vn::testing {
 

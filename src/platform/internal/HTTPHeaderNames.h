@@ -1,12 +1,12 @@
 // Header-field names compare without regard to ASCII case (RFC 9110), whatever the locale;
-// requests and responses look their fields up alike.
+// requests and responses look their fields up alike. Internal to the library: never installed.
 #pragma once
 
 #include <algorithm>
 #include <optional>
 #include <string_view>
 
-namespace vn::platform_detail {
+namespace vn::platform_internal {
 
 inline char asciiLowercase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -26,4 +26,4 @@ std::optional<std::string_view> headerFieldValue(const Fields& fields, std::stri
     return std::nullopt;
 }
 
-}  // namespace vn::platform_detail
+}  // namespace vn::platform_internal

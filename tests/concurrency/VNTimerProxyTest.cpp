@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <type_traits>
 
 #include "vn/concurrency/RunLoop.h"
 
@@ -40,6 +41,36 @@ TEST(VNTimerProxy, ASecondMessageLeavesTheFirstTimerRunningAndInvalidateStopsOnl
         ASSERT_TRUE(loop.runUntil([&] { return count.first >= firstWhenInvalidated + 3; }, 30s))
             << "the first timer keeps running";
         EXPECT_EQ(count.second, secondWhenInvalidated);
+    }).join();
+}
+
+// A subclass that counts the messages it forwards.
+class CountingTimerProxy : public VNTimerProxy {
+  public:
+    using VNTimerProxy::VNTimerProxy;
+    void forwardCounted(Message message) {
+        ++forwarded;
+        forwardInvocation(std::move(message));
+    }
+    int forwarded = 0;
+};
+
+TEST(VNTimerProxy, TheFactoryMakesAnInstanceOfTheClassItIsAskedFor) {
+    static_assert(
+        std::is_same_v<decltype(VNTimerProxy::scheduledTimerProxyWithTarget(nullptr, 1, false)),
+                       std::shared_ptr<VNTimerProxy>>,
+        "the base class by default");
+    std::thread([] {
+        auto counter = std::make_shared<Counter>();
+        const std::shared_ptr<CountingTimerProxy> proxy =
+            CountingTimerProxy::scheduledTimerProxyWithTarget<CountingTimerProxy>(counter, 0.001,
+                                                                                  false);
+        EXPECT_EQ(proxy->className(), "CountingTimerProxy");
+        EXPECT_EQ(proxy->target(), counter);
+        proxy->forwardCounted([](Object& target) { ++static_cast<Counter&>(target).first; });
+        ASSERT_TRUE(RunLoop::current().runUntil([&] { return counter->first == 1; }, 30s))
+            << "the subclass's proxy schedules like the base's";
+        EXPECT_EQ(proxy->forwarded, 1);
     }).join();
 }
 

@@ -10,17 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "testing/ValuePrinting.h"
 #include "vn/platform/Error.h"
 #include "vn/platform/Value.h"
 
-namespace vn {
-
-// Lets test failures show values as text.
-inline void PrintTo(const Value& value, std::ostream* out) {
-    *out << value.description();
-}
-
-namespace testdata {
+namespace vn::testing {
 
 inline Value nested(Value innermost, int depth, bool dictionaries) {
     Value value = std::move(innermost);
@@ -148,5 +142,4 @@ inline std::string describeBriefly(const Value& value) {
     return std::string(kKinds[static_cast<int>(value.kind())]) + " " + description;
 }
 
-}  // namespace testdata
-}  // namespace vn
+}  // namespace vn::testing

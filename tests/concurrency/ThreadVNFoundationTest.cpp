@@ -29,9 +29,9 @@ TEST(ThreadVNFoundation, ObjcSyncIsARecursiveMonitorThatReleasesOnThrowAndLeaves
     bool tookIt = false;
     std::thread([&] { objcSync(account, [&] { tookIt = true; }); }).join();
     EXPECT_TRUE(tookIt) << "the throw released the monitor";
-    objcSync(account, [] { EXPECT_EQ(concurrency::liveObjectMonitorCount(), 1u); });
+    objcSync(account, [] { EXPECT_EQ(concurrency_internal::liveObjectMonitorCount(), 1u); });
     for (int i = 0; i < 100; ++i) objcSync(std::make_shared<Account>(), [] {});
-    EXPECT_EQ(concurrency::liveObjectMonitorCount(), 0u) << "no entry outlives its use";
+    EXPECT_EQ(concurrency_internal::liveObjectMonitorCount(), 0u) << "no entry outlives its use";
 }
 
 TEST(ThreadVNFoundation, ObjcSyncExcludesOtherThreadsForTheSameObjectWhateverTheView) {
