@@ -6,8 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "log/LogTesting.h"
 #include "network/NetworkTesting.h"
+#include "testing/CapturingLogListener.h"
+#include "testing/ScopedProcessState.h"
 #include "testing/LoopbackHTTPServer.h"
 #include "vn/concurrency/OperationQueue.h"
 #include "vn/concurrency/RunLoop.h"
@@ -170,7 +171,7 @@ TEST(VNURLRequestOperation, DownloadReplacesAnExistingFile) {
 
 TEST(VNURLRequestOperation, RemovalAndMoveFailuresCarryTheirTextsWithThePaths) {
     LoopbackHTTPServer server;
-    testing::ScopedLogState logState;
+    testing::ScopedProcessState state;
     VNUtilities::setShowDeveloperInfo(true);
     const std::string blocked = temporaryDirectory() + "occupied";
     std::filesystem::create_directories(blocked + "/child");
@@ -344,8 +345,8 @@ TEST(VNURLRequestOperation, AChallengeAnswerEndsWithTheResponseAndNoBody) {
 }
 
 TEST(VNURLRequestOperation, FailureIsTracedAsARequestFailRecord) {
-    testing::ScopedLogState logState;
-    testing::ScopedLogState::turnFileOn();
+    testing::ScopedProcessState state;
+    testing::ScopedProcessState::turnLogFileOn();
     auto listener = std::make_shared<testing::CapturingLogListener>();
     VNLog::addListener(listener);
     const std::string url =
