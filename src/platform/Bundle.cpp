@@ -30,7 +30,8 @@ void Bundle::setLocalizedStrings(std::map<std::string, std::string, std::less<>>
     strings_.swap(strings);
 }
 
-std::string Bundle::localizedString(std::string_view key, std::optional<std::string_view> value) const {
+std::string Bundle::localizedString(std::string_view key,
+                                    std::optional<std::string_view> value) const {
     std::shared_lock lock(mutex_);
     if (const auto found = strings_.find(key); found != strings_.end()) return found->second;
     if (value && !value->empty()) return std::string(*value);

@@ -39,8 +39,12 @@ std::string mantissaDigits(U128 value) {
     return {digits.rbegin(), digits.rend()};
 }
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 }  // namespace
 
@@ -52,17 +56,21 @@ Decimal Decimal::notANumber() {
 
 Decimal Decimal::fromInteger(std::int64_t value) {
     const bool negative = value < 0;
-    const auto magnitude = negative ? static_cast<U128>(-(value + 1)) + 1 : static_cast<U128>(value);
+    const auto magnitude =
+        negative ? static_cast<U128>(-(value + 1)) + 1 : static_cast<U128>(value);
     return fromParts(negative, magnitude, 0);
 }
 
-Decimal Decimal::fromUnsigned(std::uint64_t value) { return fromParts(false, value, 0); }
+Decimal Decimal::fromUnsigned(std::uint64_t value) {
+    return fromParts(false, value, 0);
+}
 
 Decimal Decimal::fromDouble(double value) {
     if (!std::isfinite(value)) return notANumber();
     char buffer[64];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-    return parse(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer))).value_or(Decimal{});
+    return parse(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)))
+        .value_or(Decimal{});
 }
 
 Decimal Decimal::fromParts(bool negative, U128 mantissa, int exponent) {
@@ -181,7 +189,8 @@ std::int64_t Decimal::integerValue() const {
     if (nan_ || mantissa_ == 0) return 0;
     U128 magnitude = mantissa_;
     if (exponent_ < 0) {
-        magnitude = -exponent_ > 38 ? 0 : magnitude / kPowersOfTen[static_cast<std::size_t>(-exponent_)];
+        magnitude =
+            -exponent_ > 38 ? 0 : magnitude / kPowersOfTen[static_cast<std::size_t>(-exponent_)];
     } else {
         for (int e = 0; e < exponent_ && magnitude <= kMaxMantissa; ++e) magnitude *= 10;
     }
@@ -190,7 +199,8 @@ std::int64_t Decimal::integerValue() const {
         return magnitude > kMax + 1 ? std::numeric_limits<std::int64_t>::min()
                                     : static_cast<std::int64_t>(-static_cast<__int128>(magnitude));
     }
-    return magnitude > kMax ? std::numeric_limits<std::int64_t>::max() : static_cast<std::int64_t>(magnitude);
+    return magnitude > kMax ? std::numeric_limits<std::int64_t>::max()
+                            : static_cast<std::int64_t>(magnitude);
 }
 
 Decimal Decimal::rounded(int scale, RoundingMode mode) const {
@@ -208,9 +218,15 @@ Decimal Decimal::rounded(int scale, RoundingMode mode) const {
     }
     bool increment = false;
     switch (mode) {
-        case RoundingMode::plain: increment = remainderVersusHalf >= 0; break;
-        case RoundingMode::down: increment = negative_ && remainder != 0; break;
-        case RoundingMode::up: increment = !negative_ && remainder != 0; break;
+        case RoundingMode::plain:
+            increment = remainderVersusHalf >= 0;
+            break;
+        case RoundingMode::down:
+            increment = negative_ && remainder != 0;
+            break;
+        case RoundingMode::up:
+            increment = !negative_ && remainder != 0;
+            break;
         case RoundingMode::bankers:
             increment = remainderVersusHalf > 0 || (remainderVersusHalf == 0 && quotient % 2 == 1);
             break;
@@ -226,16 +242,20 @@ Decimal Decimal::operator-() const {
 }
 
 std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
-    if (nan_ || other.nan_) return nan_ == other.nan_ ? std::strong_ordering::equal
-                                                      : (nan_ ? std::strong_ordering::less : std::strong_ordering::greater);
+    if (nan_ || other.nan_)
+        return nan_ == other.nan_
+                   ? std::strong_ordering::equal
+                   : (nan_ ? std::strong_ordering::less : std::strong_ordering::greater);
     const bool zero = mantissa_ == 0;
     const bool otherZero = other.mantissa_ == 0;
     if (zero || otherZero) {
         if (zero && otherZero) return std::strong_ordering::equal;
-        if (zero) return other.negative_ ? std::strong_ordering::greater : std::strong_ordering::less;
+        if (zero)
+            return other.negative_ ? std::strong_ordering::greater : std::strong_ordering::less;
         return negative_ ? std::strong_ordering::less : std::strong_ordering::greater;
     }
-    if (negative_ != other.negative_) return negative_ ? std::strong_ordering::less : std::strong_ordering::greater;
+    if (negative_ != other.negative_)
+        return negative_ ? std::strong_ordering::less : std::strong_ordering::greater;
     // Same sign: compare magnitudes by order of magnitude, then by aligned mantissas.
     const int magnitude = digitCount(mantissa_) + exponent_;
     const int otherMagnitude = digitCount(other.mantissa_) + other.exponent_;
@@ -247,8 +267,10 @@ std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
         U128 right = other.mantissa_;
         const int leftDigits = digitCount(left);
         const int rightDigits = digitCount(right);
-        if (leftDigits < rightDigits) left *= kPowersOfTen[static_cast<std::size_t>(rightDigits - leftDigits)];
-        if (rightDigits < leftDigits) right *= kPowersOfTen[static_cast<std::size_t>(leftDigits - rightDigits)];
+        if (leftDigits < rightDigits)
+            left *= kPowersOfTen[static_cast<std::size_t>(rightDigits - leftDigits)];
+        if (rightDigits < leftDigits)
+            right *= kPowersOfTen[static_cast<std::size_t>(leftDigits - rightDigits)];
         byMagnitude = left <=> right;
     }
     if (!negative_) return byMagnitude;

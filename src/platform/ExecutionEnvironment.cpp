@@ -24,10 +24,18 @@ OpenerSlot& openerSlot() {
 
 }  // namespace
 
-bool VNUtilities::showDeveloperInfo() { return gShowDeveloperInfo.load(std::memory_order_relaxed); }
-void VNUtilities::setShowDeveloperInfo(bool on) { gShowDeveloperInfo.store(on, std::memory_order_relaxed); }
-bool VNUtilities::isTolvarApp() { return gIsTolvarApp.load(std::memory_order_relaxed); }
-void VNUtilities::setIsTolvarApp(bool on) { gIsTolvarApp.store(on, std::memory_order_relaxed); }
+bool VNUtilities::showDeveloperInfo() {
+    return gShowDeveloperInfo.load(std::memory_order_relaxed);
+}
+void VNUtilities::setShowDeveloperInfo(bool on) {
+    gShowDeveloperInfo.store(on, std::memory_order_relaxed);
+}
+bool VNUtilities::isTolvarApp() {
+    return gIsTolvarApp.load(std::memory_order_relaxed);
+}
+void VNUtilities::setIsTolvarApp(bool on) {
+    gIsTolvarApp.store(on, std::memory_order_relaxed);
+}
 
 const std::string& VNExecutionEnvironmentHelper::currentContextWillTerminateNotification() {
     static const std::string name = "VNExecutionEnvironmentCurrentContextWillTerminateNotification";
@@ -35,12 +43,17 @@ const std::string& VNExecutionEnvironmentHelper::currentContextWillTerminateNoti
 }
 
 void VNExecutionEnvironmentHelper::postCurrentContextWillTerminate() {
-    NotificationCenter::defaultCenter().postNotificationName(currentContextWillTerminateNotification());
+    NotificationCenter::defaultCenter().postNotificationName(
+        currentContextWillTerminateNotification());
 }
 
-UIApplicationState VNExecutionEnvironmentHelper::applicationState() { return gApplicationState.load(); }
+UIApplicationState VNExecutionEnvironmentHelper::applicationState() {
+    return gApplicationState.load();
+}
 
-void VNExecutionEnvironmentHelper::setApplicationState(UIApplicationState state) { gApplicationState.store(state); }
+void VNExecutionEnvironmentHelper::setApplicationState(UIApplicationState state) {
+    gApplicationState.store(state);
+}
 
 void VNExecutionEnvironmentHelper::openURL(const std::string& url, const Value::Dictionary& options,
                                            Completion completion) {

@@ -22,10 +22,12 @@ CurrentLocale& currentLocale() {
     return *state;
 }
 
-std::string numberSymbol(const std::string& identifier, icu::DecimalFormatSymbols::ENumberFormatSymbol symbol,
+std::string numberSymbol(const std::string& identifier,
+                         icu::DecimalFormatSymbols::ENumberFormatSymbol symbol,
                          const char* fallback) {
     UErrorCode status = U_ZERO_ERROR;
-    const icu::DecimalFormatSymbols symbols(icu::Locale::createCanonical(identifier.c_str()), status);
+    const icu::DecimalFormatSymbols symbols(icu::Locale::createCanonical(identifier.c_str()),
+                                            status);
     if (U_FAILURE(status)) return fallback;
     std::string text;
     symbols.getSymbol(symbol).toUTF8String(text);

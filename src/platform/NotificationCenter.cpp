@@ -10,24 +10,26 @@ class ObserverToken final : public Object {};
 }  // namespace
 
 NotificationCenter& NotificationCenter::defaultCenter() {
-    static auto* center = new NotificationCenter();  // never destroyed: used from static destructors
+    static auto* center =
+        new NotificationCenter();  // never destroyed: used from static destructors
     return *center;
 }
 
-ObjectPtr NotificationCenter::addObserver(std::string_view name, const Object* sender, ExecutorPtr executor,
-                                          Block block) {
+ObjectPtr NotificationCenter::addObserver(std::string_view name, const Object* sender,
+                                          ExecutorPtr executor, Block block) {
     auto token = std::make_shared<ObserverToken>();
     std::lock_guard lock(mutex_);
-    registrations_.push_back(
-        {token, std::string(name), sender, std::move(executor), std::make_shared<Block>(std::move(block))});
+    registrations_.push_back({token, std::string(name), sender, std::move(executor),
+                              std::make_shared<Block>(std::move(block))});
     return token;
 }
 
 void NotificationCenter::removeObserver(const ObjectPtr& token) {
     std::vector<Registration> removed;  // released outside the lock
     std::lock_guard lock(mutex_);
-    const auto firstRemoved = std::stable_partition(registrations_.begin(), registrations_.end(),
-                                                    [&](const Registration& r) { return r.token != token; });
+    const auto firstRemoved =
+        std::stable_partition(registrations_.begin(), registrations_.end(),
+                              [&](const Registration& r) { return r.token != token; });
     std::move(firstRemoved, registrations_.end(), std::back_inserter(removed));
     registrations_.erase(firstRemoved, registrations_.end());
 }
@@ -51,7 +53,8 @@ void NotificationCenter::post(const Notification& notification) {
     }
 }
 
-void NotificationCenter::postNotificationName(std::string_view name, ObjectPtr sender, Value::Dictionary userInfo) {
+void NotificationCenter::postNotificationName(std::string_view name, ObjectPtr sender,
+                                              Value::Dictionary userInfo) {
     post(Notification{std::string(name), std::move(sender), std::move(userInfo)});
 }
 

@@ -29,7 +29,9 @@ std::string shortestText(Float value) {
 
 }  // namespace
 
-std::string shortestDoubleText(double value) { return shortestText(value); }
+std::string shortestDoubleText(double value) {
+    return shortestText(value);
+}
 
 bool Number::boolValue() const {
     return std::visit(
@@ -75,7 +77,9 @@ std::uint64_t Number::unsignedIntegerValue() const {
         value_);
 }
 
-float Number::floatValue() const { return static_cast<float>(doubleValue()); }
+float Number::floatValue() const {
+    return static_cast<float>(doubleValue());
+}
 
 double Number::doubleValue() const {
     return std::visit(
@@ -133,8 +137,10 @@ std::partial_ordering Number::compare(const Number& other) const {
     const auto integral = [](const Number& n) { return n.isInteger() || n.isBoolean(); };
     if (integral(*this) && integral(other)) {
         const bool negative = kind() == Kind::signedInteger && std::get<std::int64_t>(value_) < 0;
-        const bool otherNegative = other.kind() == Kind::signedInteger && std::get<std::int64_t>(other.value_) < 0;
-        if (negative != otherNegative) return negative ? std::partial_ordering::less : std::partial_ordering::greater;
+        const bool otherNegative =
+            other.kind() == Kind::signedInteger && std::get<std::int64_t>(other.value_) < 0;
+        if (negative != otherNegative)
+            return negative ? std::partial_ordering::less : std::partial_ordering::greater;
         if (negative) return integerValue() <=> other.integerValue();
         return unsignedIntegerValue() <=> other.unsignedIntegerValue();
     }
@@ -150,7 +156,8 @@ std::partial_ordering Number::compare(const Number& other) const {
 std::size_t Number::hash() const {
     // Equal numbers of different kinds must hash alike: integral values hash as integers.
     const double asDouble = doubleValue();
-    if (std::isfinite(asDouble) && asDouble == std::trunc(asDouble) && std::fabs(asDouble) < 9.2e18) {
+    if (std::isfinite(asDouble) && asDouble == std::trunc(asDouble) &&
+        std::fabs(asDouble) < 9.2e18) {
         return std::hash<std::int64_t>{}(static_cast<std::int64_t>(asDouble));
     }
     return std::hash<double>{}(asDouble);

@@ -45,13 +45,21 @@ std::string Object::description() const {
     return "<" + className() + ": " + address + ">";
 }
 
-bool Object::isEqual(const Object& other) const { return this == &other; }
+bool Object::isEqual(const Object& other) const {
+    return this == &other;
+}
 
-std::size_t Object::hash() const { return std::hash<const void*>{}(this); }
+std::size_t Object::hash() const {
+    return std::hash<const void*>{}(this);
+}
 
-std::string Object::className() const { return unqualifiedTypeName(typeid(*this)); }
+std::string Object::className() const {
+    return unqualifiedTypeName(typeid(*this));
+}
 
-std::optional<bool> Object::boolValue() const { return std::nullopt; }
+std::optional<bool> Object::boolValue() const {
+    return std::nullopt;
+}
 
 void Object::setAssociatedObject(const void* key, std::shared_ptr<Object> value) {
     if (!value && !associated_.load(std::memory_order_acquire)) return;

@@ -41,16 +41,21 @@ std::string readableFrame(std::size_t index, const char* raw) {
                 abi::__cxa_demangle(mangled.c_str(), nullptr, nullptr, &status), std::free);
             function = status == 0 && demangled ? demangled.get() : mangled;
         }
-        if (plus != std::string::npos && plus < close) offset = frame.substr(plus + 1, close - plus - 1);
+        if (plus != std::string::npos && plus < close)
+            offset = frame.substr(plus + 1, close - plus - 1);
     }
     return std::to_string(index) + " " + image + " " + function + " + " + offset;
 }
 
 }  // namespace
 
-bool Thread::isMainThread() { return std::this_thread::get_id() == mainThreadId().load(std::memory_order_relaxed); }
+bool Thread::isMainThread() {
+    return std::this_thread::get_id() == mainThreadId().load(std::memory_order_relaxed);
+}
 
-void Thread::markMainThread() { mainThreadId().store(std::this_thread::get_id(), std::memory_order_relaxed); }
+void Thread::markMainThread() {
+    mainThreadId().store(std::this_thread::get_id(), std::memory_order_relaxed);
+}
 
 Value::Dictionary& Thread::threadDictionary() {
     thread_local Value::Dictionary dictionary;

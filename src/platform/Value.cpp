@@ -17,8 +17,10 @@ const Value kNil;
 bool isPlainWord(std::string_view text) {
     if (text.empty()) return false;
     for (const unsigned char c : text) {
-        const bool alphanumeric = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-        if (!alphanumeric && c != '_' && c != '$' && c != '.' && c != '/' && c != ':' && c != '-' && c != '+') {
+        const bool alphanumeric =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        if (!alphanumeric && c != '_' && c != '$' && c != '.' && c != '/' && c != ':' && c != '-' &&
+            c != '+') {
             return false;
         }
     }
@@ -45,11 +47,21 @@ void appendQuotedIfNeeded(std::string& out, std::string_view text) {
         const char32_t c = nextCodePoint(text, i);
         char buffer[16];
         switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\n': out += "\\n"; break;
-            case '\t': out += "\\t"; break;
-            case '\r': out += "\\r"; break;
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
             default:
                 if (c < 0x80) {
                     out += static_cast<char>(c);
@@ -58,7 +70,8 @@ void appendQuotedIfNeeded(std::string& out, std::string_view text) {
                     out += buffer;
                 } else {
                     const char32_t offset = c - 0x10000;
-                    std::snprintf(buffer, sizeof buffer, "\\U%04x\\U%04x", static_cast<unsigned>(0xD800 + (offset >> 10)),
+                    std::snprintf(buffer, sizeof buffer, "\\U%04x\\U%04x",
+                                  static_cast<unsigned>(0xD800 + (offset >> 10)),
                                   static_cast<unsigned>(0xDC00 + (offset & 0x3FF)));
                     out += buffer;
                 }
@@ -93,7 +106,8 @@ Value Value::null() {
 Value::Value(std::string text) : storage_(std::make_shared<const std::string>(std::move(text))) {}
 Value::Value(Data data) : storage_(std::make_shared<const Data>(std::move(data))) {}
 Value::Value(Array array) : storage_(std::make_shared<const Array>(std::move(array))) {}
-Value::Value(Dictionary dictionary) : storage_(std::make_shared<const Dictionary>(std::move(dictionary))) {}
+Value::Value(Dictionary dictionary)
+    : storage_(std::make_shared<const Dictionary>(std::move(dictionary))) {}
 
 const ObjectPtr& Value::object() const {
     const auto* object = std::get_if<ObjectPtr>(&storage_);
@@ -133,13 +147,27 @@ void Value::describe(std::string& out, int indent) const {
         }
     };
     switch (kind()) {
-        case Kind::nil: out += "nil"; break;
-        case Kind::null: out += "<null>"; break;
-        case Kind::number: out += number()->description(); break;
-        case Kind::string: out += *string(); break;
-        case Kind::data: appendDataDescription(out, *data()); break;
-        case Kind::date: out += date()->description(); break;
-        case Kind::object: out += object()->description(); break;
+        case Kind::nil:
+            out += "nil";
+            break;
+        case Kind::null:
+            out += "<null>";
+            break;
+        case Kind::number:
+            out += number()->description();
+            break;
+        case Kind::string:
+            out += *string();
+            break;
+        case Kind::data:
+            appendDataDescription(out, *data());
+            break;
+        case Kind::date:
+            out += date()->description();
+            break;
+        case Kind::object:
+            out += object()->description();
+            break;
         case Kind::array: {
             out += "(\n";
             const Array& elements = *array();
@@ -170,26 +198,41 @@ bool Value::operator==(const Value& other) const {
     if (kind() != other.kind()) return false;
     switch (kind()) {
         case Kind::nil:
-        case Kind::null: return true;
-        case Kind::number: return *number() == *other.number();
-        case Kind::string: return *string() == *other.string();
-        case Kind::data: return *data() == *other.data();
-        case Kind::date: return *date() == *other.date();
-        case Kind::array: return *array() == *other.array();
-        case Kind::dictionary: return *dictionary() == *other.dictionary();
-        case Kind::object: return object()->isEqual(*other.object());
+        case Kind::null:
+            return true;
+        case Kind::number:
+            return *number() == *other.number();
+        case Kind::string:
+            return *string() == *other.string();
+        case Kind::data:
+            return *data() == *other.data();
+        case Kind::date:
+            return *date() == *other.date();
+        case Kind::array:
+            return *array() == *other.array();
+        case Kind::dictionary:
+            return *dictionary() == *other.dictionary();
+        case Kind::object:
+            return object()->isEqual(*other.object());
     }
     return false;
 }
 
 std::size_t Value::hash() const {
     switch (kind()) {
-        case Kind::nil: return 0;
-        case Kind::null: return 1;
-        case Kind::number: return number()->hash();
-        case Kind::string: return std::hash<std::string>{}(*string());
-        case Kind::data: return std::hash<std::string_view>{}(std::string_view(reinterpret_cast<const char*>(data()->data()), data()->size()));
-        case Kind::date: return std::hash<double>{}(date()->timeIntervalSinceReferenceDate);
+        case Kind::nil:
+            return 0;
+        case Kind::null:
+            return 1;
+        case Kind::number:
+            return number()->hash();
+        case Kind::string:
+            return std::hash<std::string>{}(*string());
+        case Kind::data:
+            return std::hash<std::string_view>{}(
+                std::string_view(reinterpret_cast<const char*>(data()->data()), data()->size()));
+        case Kind::date:
+            return std::hash<double>{}(date()->timeIntervalSinceReferenceDate);
         case Kind::array: {
             std::size_t seed = array()->size();
             for (const Value& element : *array()) seed = hashCombine(seed, element.hash());
@@ -203,15 +246,16 @@ std::size_t Value::hash() const {
             }
             return seed;
         }
-        case Kind::object: return object()->hash();
+        case Kind::object:
+            return object()->hash();
     }
     return 0;
 }
 
 bool textBoolValue(std::string_view text) {
     std::size_t i = 0;
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n' || text[i] == '\r' ||
-                               text[i] == '\f' || text[i] == '\v')) {
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n' ||
+                               text[i] == '\r' || text[i] == '\f' || text[i] == '\v')) {
         ++i;
     }
     if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;

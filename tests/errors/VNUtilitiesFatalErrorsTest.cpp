@@ -17,9 +17,12 @@
 #include "vn/platform/ExecutionEnvironment.h"
 #include "vn/services/VNFoundationServices.h"
 
-// External linkage and out of line, so that the caller's frame is named in the stack part.
+// External linkage and out of line, so that the caller's frame is named in the stack part. The
+// empty barrier after the call keeps the call from being a tail call, which optimised builds
+// would make a jump that leaves no frame of this function on the stack.
 [[gnu::noinline]] void recoverFromANamedCaller(std::string_view message) {
     vn::VNUtilities::tryRecoverFatalError(message);
+    asm volatile("" ::: "memory");
 }
 
 namespace vn {

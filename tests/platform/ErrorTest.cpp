@@ -7,13 +7,14 @@ namespace {
 
 TEST(Error, ReadsItsUserInformation) {
     const ErrorPtr underlying = Error::make(NSPOSIXErrorDomain, 2);
-    const ErrorPtr error = Error::make(VNErrorDomain, 550,
-                                       Value::Dictionary{
-                                           {std::string(NSLocalizedDescriptionKey), "Permission denied"},
-                                           {std::string(NSLocalizedRecoverySuggestionErrorKey), "Enable it"},
-                                           {std::string(NSLocalizedRecoveryOptionsErrorKey), Value::Array{"Settings"}},
-                                           {std::string(NSUnderlyingErrorKey), underlying},
-                                       });
+    const ErrorPtr error =
+        Error::make(VNErrorDomain, 550,
+                    Value::Dictionary{
+                        {std::string(NSLocalizedDescriptionKey), "Permission denied"},
+                        {std::string(NSLocalizedRecoverySuggestionErrorKey), "Enable it"},
+                        {std::string(NSLocalizedRecoveryOptionsErrorKey), Value::Array{"Settings"}},
+                        {std::string(NSUnderlyingErrorKey), underlying},
+                    });
     EXPECT_EQ(error->localizedDescription(), "Permission denied");
     EXPECT_EQ(error->localizedRecoverySuggestion(), "Enable it");
     EXPECT_EQ(error->localizedRecoveryOptions(), std::vector<std::string>{"Settings"});
@@ -25,7 +26,8 @@ TEST(Error, ReadsItsUserInformation) {
               "        Settings\n"
               "    );\n"
               "    NSLocalizedRecoverySuggestion = \"Enable it\";\n"
-              "    NSUnderlyingError = Error Domain=NSPOSIXErrorDomain Code=2 \"The operation couldn\u2019t be "
+              "    NSUnderlyingError = Error Domain=NSPOSIXErrorDomain Code=2 \"The operation "
+              "couldn\u2019t be "
               "completed. (NSPOSIXErrorDomain error 2.)\";\n"
               "}");
 }
@@ -34,20 +36,22 @@ TEST(Error, LocalizedDescriptionOnlyAcceptsText) {
     const ErrorPtr plain = Error::make(VNErrorDomain, 7);
     EXPECT_FALSE(plain->hasUserInfo());
     EXPECT_TRUE(plain->userInfo().empty());
-    EXPECT_EQ(plain->localizedDescription(), "The operation couldn\u2019t be completed. (vn error 7.)");
-    const ErrorPtr numeric =
-        Error::make(VNErrorDomain, 0, Value::Dictionary{{std::string(NSLocalizedDescriptionKey), 12}});
+    EXPECT_EQ(plain->localizedDescription(),
+              "The operation couldn\u2019t be completed. (vn error 7.)");
+    const ErrorPtr numeric = Error::make(
+        VNErrorDomain, 0, Value::Dictionary{{std::string(NSLocalizedDescriptionKey), 12}});
     EXPECT_FALSE(numeric->hasUserInfoLocalizedDescription());
     EXPECT_EQ(numeric->userInfoLocalizedDescription(), std::nullopt);
     const ErrorPtr mixedOptions = Error::make(
-        VNErrorDomain, 0, Value::Dictionary{{std::string(NSLocalizedRecoveryOptionsErrorKey), Value::Array{"a", 1}}});
+        VNErrorDomain, 0,
+        Value::Dictionary{{std::string(NSLocalizedRecoveryOptionsErrorKey), Value::Array{"a", 1}}});
     EXPECT_EQ(mixedOptions->localizedRecoveryOptions(), std::nullopt);
 }
 
 TEST(Error, ClassifiesByCodeAndExactDomain) {
-    const auto is = [](std::string_view domain, std::int64_t code, bool (Error::*predicate)() const) {
-        return (*Error::make(domain, code).*predicate)();
-    };
+    const auto is = [](std::string_view domain, std::int64_t code,
+                       bool (Error::*predicate)()
+                           const) { return (*Error::make(domain, code).*predicate)(); };
     EXPECT_TRUE(is(NSCocoaErrorDomain, 3072, &Error::isUserCancelledError));
     EXPECT_FALSE(is(VNErrorDomain, VNErrCodeUserCancelled, &Error::isUserCancelledError));
     EXPECT_FALSE(is("nscocoaerrordomain", 3072, &Error::isUserCancelledError));
@@ -67,7 +71,8 @@ TEST(Error, ClassifiesByCodeAndExactDomain) {
 
 TEST(Error, LoginCanceledNeedsUserCancelledAndATrueFlag) {
     const auto withFlag = [](std::string_view domain, Value flag) {
-        return Error::make(domain, 3072, Value::Dictionary{{std::string(VNLoginCanceledUserInfoKey), flag}});
+        return Error::make(domain, 3072,
+                           Value::Dictionary{{std::string(VNLoginCanceledUserInfoKey), flag}});
     };
     EXPECT_TRUE(withFlag(NSCocoaErrorDomain, true)->isLoginCanceledError());
     EXPECT_TRUE(withFlag(NSCocoaErrorDomain, "yes")->isLoginCanceledError());

@@ -11,7 +11,7 @@ namespace vn {
 namespace {
 
 class DeferredExecutor final : public Executor {
-public:
+  public:
     void execute(std::function<void()> block) override { pending.push_back(std::move(block)); }
     void drain() {
         while (!pending.empty()) {
@@ -28,15 +28,18 @@ TEST(NotificationCenter, DeliversByNameAndSenderInRegistrationOrder) {
     const auto sender = std::make_shared<Object>();
     const auto other = std::make_shared<Object>();
     std::vector<std::string> heard;
-    center.addObserver("A", nullptr, nullptr, [&](const Notification& n) { heard.push_back("any-sender " + n.name); });
-    center.addObserver("A", sender.get(), nullptr, [&](const Notification&) { heard.push_back("sender only"); });
-    center.addObserver("", nullptr, nullptr, [&](const Notification& n) { heard.push_back("every name " + n.name); });
+    center.addObserver("A", nullptr, nullptr,
+                       [&](const Notification& n) { heard.push_back("any-sender " + n.name); });
+    center.addObserver("A", sender.get(), nullptr,
+                       [&](const Notification&) { heard.push_back("sender only"); });
+    center.addObserver("", nullptr, nullptr,
+                       [&](const Notification& n) { heard.push_back("every name " + n.name); });
 
     center.postNotificationName("A", sender);
     center.postNotificationName("A", other);
     center.postNotificationName("B");
-    EXPECT_EQ(heard, (std::vector<std::string>{"any-sender A", "sender only", "every name A", "any-sender A",
-                                               "every name A", "every name B"}));
+    EXPECT_EQ(heard, (std::vector<std::string>{"any-sender A", "sender only", "every name A",
+                                               "any-sender A", "every name A", "every name B"}));
 }
 
 TEST(NotificationCenter, ObserversMayRemoveThemselvesAndAddOthersWhileNotified) {
@@ -78,7 +81,8 @@ TEST(NotificationCenter, AnObserverRemovedDuringAPostStillReceivesThatPost) {
         heard.push_back("first");
         center.removeObserver(second);
     });
-    second = center.addObserver("N", nullptr, nullptr, [&](const Notification&) { heard.push_back("second"); });
+    second = center.addObserver("N", nullptr, nullptr,
+                                [&](const Notification&) { heard.push_back("second"); });
     center.postNotificationName("N");
     center.postNotificationName("N");
     EXPECT_EQ(heard, (std::vector<std::string>{"first", "second", "first"}));
@@ -92,7 +96,8 @@ TEST(NotificationCenter, AThrowingBlockReachesThePosterAndStopsOnlyThatPost) {
         heard.push_back("first");
         if (fail) throw std::runtime_error("observer failed");
     });
-    center.addObserver("N", nullptr, nullptr, [&](const Notification&) { heard.push_back("second"); });
+    center.addObserver("N", nullptr, nullptr,
+                       [&](const Notification&) { heard.push_back("second"); });
     try {
         center.postNotificationName("N");
         ADD_FAILURE() << "the exception did not reach the poster";
@@ -107,7 +112,7 @@ TEST(NotificationCenter, AThrowingBlockReachesThePosterAndStopsOnlyThatPost) {
 
 TEST(NotificationCenter, SendersMatchByIdentityNotByEquality) {
     class AlwaysEqual final : public Object {
-    public:
+      public:
         bool isEqual(const Object&) const override { return true; }
     };
     NotificationCenter center;

@@ -28,7 +28,8 @@ TEST(Number, DescribesItselfInThePlatformsTextualForm) {
     EXPECT_EQ(Number(-2.5).description(), "-2.5");
     EXPECT_EQ(Number(1e20).description(), "1e+20");
     EXPECT_EQ(Number(std::numeric_limits<double>::quiet_NaN()).description(), "nan");
-    EXPECT_EQ(Number(std::numeric_limits<std::uint64_t>::max()).description(), "18446744073709551615");
+    EXPECT_EQ(Number(std::numeric_limits<std::uint64_t>::max()).description(),
+              "18446744073709551615");
 }
 
 TEST(Number, ConvertsBetweenKindsLikeThePlatform) {

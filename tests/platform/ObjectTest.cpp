@@ -10,13 +10,13 @@ namespace vn {
 namespace {
 
 class Probe final : public Object {
-public:
+  public:
     explicit Probe(std::atomic<int>* deaths = nullptr) : deaths_(deaths) {}
     ~Probe() override {
         if (deaths_) ++*deaths_;
     }
 
-private:
+  private:
     std::atomic<int>* deaths_;
 };
 
@@ -38,7 +38,8 @@ TEST(Object, AssociatedObjectsAreReplacedRemovedAndReleasedWithTheirOwner) {
     owner->setAssociatedObject(&keyB, std::make_shared<Probe>(&deaths));
     EXPECT_NE(owner->associatedObject(&keyA), owner->associatedObject(&keyB));
 
-    owner->setAssociatedObject(&keyA, std::make_shared<Probe>(&deaths));  // replaces: the first dies
+    owner->setAssociatedObject(&keyA,
+                               std::make_shared<Probe>(&deaths));  // replaces: the first dies
     EXPECT_EQ(deaths, 1);
     owner->setAssociatedObject(&keyB, nullptr);
     EXPECT_EQ(deaths, 2);

@@ -32,8 +32,10 @@ TEST(UserDefaults, SetValuesWinOverRegisteredDefaultsUntilRemoved) {
 TEST(UserDefaults, ReadsBooleansLikeThePlatform) {
     UserDefaults defaults;
     const std::pair<Value, bool> cases[] = {
-        {Value("YES"), true},  {Value("1"), true},      {Value("no"), false}, {Value(2), true},
-        {Value(0), false},     {Value::null(), false},  {Value(), false},     {Value(Value::Array{1}), false},
+        {Value("YES"), true}, {Value("1"), true},
+        {Value("no"), false}, {Value(2), true},
+        {Value(0), false},    {Value::null(), false},
+        {Value(), false},     {Value(Value::Array{1}), false},
     };
     for (const auto& [value, expected] : cases) {
         defaults.setObject(value, "key");
@@ -83,14 +85,14 @@ TEST(ExecutionEnvironment, HostSetsSwitchesAndOpensUrls) {
     EXPECT_FALSE(VNUtilities::showDeveloperInfo());
 
     bool heardFalse = false;
-    VNExecutionEnvironmentHelper::openURL("app-settings:", {}, [&](bool success) { heardFalse = !success; });
+    VNExecutionEnvironmentHelper::openURL("app-settings:", {},
+                                          [&](bool success) { heardFalse = !success; });
     EXPECT_TRUE(heardFalse);
 
     std::string opened;
     VNExecutionEnvironmentHelper::setURLOpener(
-        [&](const std::string& url, const Value::Dictionary&, const VNExecutionEnvironmentHelper::Completion&) {
-            opened = url;
-        });
+        [&](const std::string& url, const Value::Dictionary&,
+            const VNExecutionEnvironmentHelper::Completion&) { opened = url; });
     VNExecutionEnvironmentHelper::openURL(std::string(UIApplicationOpenSettingsURLString));
     EXPECT_EQ(opened, "app-settings:");
 
@@ -116,7 +118,8 @@ TEST(Locale, ChangingTheCurrentLocaleNotifiesAndRefreshesTheSeparator) {
     const testing::ScopedProcessState state;
     int changes = 0;
     const ObjectPtr token = NotificationCenter::defaultCenter().addObserver(
-        NSCurrentLocaleDidChangeNotification, nullptr, nullptr, [&](const Notification&) { ++changes; });
+        NSCurrentLocaleDidChangeNotification, nullptr, nullptr,
+        [&](const Notification&) { ++changes; });
     Locale::setCurrent("de_DE");
     EXPECT_EQ(Locale::current().identifier(), "de_DE");
     EXPECT_EQ(Locale::currentDecimalSeparator(), ",");

@@ -9,7 +9,9 @@
 #include "vn/platform/FatalError.h"
 
 // External linkage, so that the exported symbol table names it.
-[[gnu::noinline]] std::vector<std::string> symbolsFromANamedFunction() { return vn::Thread::callStackSymbols(); }
+[[gnu::noinline]] std::vector<std::string> symbolsFromANamedFunction() {
+    return vn::Thread::callStackSymbols();
+}
 
 namespace vn {
 namespace {

@@ -10,12 +10,12 @@ namespace vn {
 namespace {
 
 class Flag final : public Object {
-public:
+  public:
     explicit Flag(std::optional<bool> answer) : answer_(answer) {}
     std::optional<bool> boolValue() const override { return answer_; }
     std::string description() const override { return "<Flag>"; }
 
-private:
+  private:
     std::optional<bool> answer_;
 };
 
@@ -66,11 +66,12 @@ TEST(Value, TextToBooleanRuleReadsOnlyTheFirstSignificantCharacter) {
         const char* text;
         bool expected;
     };
-    const Case cases[] = {{"true", true}, {"Yes", true}, {"1", true},     {"007", true},   {" \t\ny", true},
-                          {"+9x", true},  {"false", false}, {"no", false}, {"0", false},   {"abc", false},
-                          {"", false},    {" ", false},  {"-0", false},   {"00", false},   {"--1", false},
-                          {"\xff", false}};
-    for (const Case& c : cases) EXPECT_EQ(textBoolValue(c.text), c.expected) << '"' << c.text << '"';
+    const Case cases[] = {{"true", true},   {"Yes", true},  {"1", true},      {"007", true},
+                          {" \t\ny", true}, {"+9x", true},  {"false", false}, {"no", false},
+                          {"0", false},     {"abc", false}, {"", false},      {" ", false},
+                          {"-0", false},    {"00", false},  {"--1", false},   {"\xff", false}};
+    for (const Case& c : cases)
+        EXPECT_EQ(textBoolValue(c.text), c.expected) << '"' << c.text << '"';
 }
 
 TEST(Value, DescribesCollectionsInPropertyListStyle) {

@@ -18,7 +18,9 @@ std::vector<TourSection>& mutableTourSections() {
 
 }  // namespace
 
-const std::vector<Command>& commands() { return mutableCommands(); }
+const std::vector<Command>& commands() {
+    return mutableCommands();
+}
 
 const std::vector<TourSection>& tourSections() {
     auto& sections = mutableTourSections();
@@ -27,9 +29,13 @@ const std::vector<TourSection>& tourSections() {
     return sections;
 }
 
-CommandRegistration::CommandRegistration(Command command) { mutableCommands().push_back(std::move(command)); }
+CommandRegistration::CommandRegistration(Command command) {
+    mutableCommands().push_back(std::move(command));
+}
 
-TourRegistration::TourRegistration(TourSection section) { mutableTourSections().push_back(std::move(section)); }
+TourRegistration::TourRegistration(TourSection section) {
+    mutableTourSections().push_back(std::move(section));
+}
 
 int usageError(const Command& command) {
     std::fprintf(stderr, "usage: vn %s\n", command.usage.c_str());

@@ -14,7 +14,8 @@ struct Command {
     std::string name;     // first word on the command line: "coerce", "wkt"
     std::string usage;    // "coerce bool|int|uint|double|decimal|string|geo VALUE"
     std::string summary;  // one line for vn --help
-    std::function<int(const Arguments& arguments)> run;  // arguments after the name; returns the exit status
+    std::function<int(const Arguments& arguments)>
+        run;  // arguments after the name; returns the exit status
 };
 
 struct TourSection {

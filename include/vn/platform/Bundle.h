@@ -14,7 +14,7 @@
 namespace vn {
 
 class Bundle {
-public:
+  public:
     Bundle() = default;
     Bundle(const Bundle&) = delete;
     Bundle& operator=(const Bundle&) = delete;
@@ -29,9 +29,10 @@ public:
     // itself.
     void setLocalizedStrings(std::map<std::string, std::string, std::less<>> strings);
     // The text for key; when there is none, value if given and not empty, else the key.
-    std::string localizedString(std::string_view key, std::optional<std::string_view> value = std::nullopt) const;
+    std::string localizedString(std::string_view key,
+                                std::optional<std::string_view> value = std::nullopt) const;
 
-private:
+  private:
     mutable std::shared_mutex mutex_;
     Value::Dictionary info_;
     std::map<std::string, std::string, std::less<>> strings_;

@@ -16,8 +16,12 @@ struct Date {
     static Date fromTimeIntervalSince1970(double seconds) {
         return Date{seconds - kTimeIntervalBetween1970AndReferenceDate};
     }
-    double timeIntervalSince1970() const { return timeIntervalSinceReferenceDate + kTimeIntervalBetween1970AndReferenceDate; }
-    Date addingTimeInterval(double seconds) const { return Date{timeIntervalSinceReferenceDate + seconds}; }
+    double timeIntervalSince1970() const {
+        return timeIntervalSinceReferenceDate + kTimeIntervalBetween1970AndReferenceDate;
+    }
+    Date addingTimeInterval(double seconds) const {
+        return Date{timeIntervalSinceReferenceDate + seconds};
+    }
     double timeIntervalSinceDate(const Date& other) const {
         return timeIntervalSinceReferenceDate - other.timeIntervalSinceReferenceDate;
     }

@@ -24,7 +24,7 @@ enum class RoundingMode : std::uint8_t {
 };
 
 class Decimal {
-public:
+  public:
     static constexpr int kMaxDigits = 38;
     static constexpr int kMinExponent = -128;
     static constexpr int kMaxExponent = 127;
@@ -44,8 +44,9 @@ public:
     // fractional part introduced by decimalSeparator, an optional exponent ("e" or "E").
     // Digits beyond the 38th significant one are dropped. Absent when no digit was read.
     // When consumed is given it receives the number of bytes read.
-    [[nodiscard]] static std::optional<Decimal> parse(std::string_view text, std::string_view decimalSeparator = ".",
-                                        std::size_t* consumed = nullptr);
+    [[nodiscard]] static std::optional<Decimal> parse(std::string_view text,
+                                                      std::string_view decimalSeparator = ".",
+                                                      std::size_t* consumed = nullptr);
 
     bool isNaN() const { return nan_; }
     bool isZero() const { return !nan_ && mantissa_ == 0; }
@@ -68,7 +69,7 @@ public:
     bool operator==(const Decimal& other) const { return (*this <=> other) == 0; }
     std::size_t hash() const;
 
-private:
+  private:
     unsigned __int128 mantissa_ = 0;
     std::int16_t exponent_ = 0;
     bool negative_ = false;

@@ -36,7 +36,8 @@ inline constexpr std::string_view VNErrUserInfoKey = "VNErr";
 inline constexpr std::string_view VNLoginCanceledUserInfoKey = "vn.loginCanceled";
 inline constexpr std::string_view NSLocalizedDescriptionKey = "NSLocalizedDescription";
 inline constexpr std::string_view NSUnderlyingErrorKey = "NSUnderlyingError";
-inline constexpr std::string_view NSLocalizedRecoverySuggestionErrorKey = "NSLocalizedRecoverySuggestion";
+inline constexpr std::string_view NSLocalizedRecoverySuggestionErrorKey =
+    "NSLocalizedRecoverySuggestion";
 inline constexpr std::string_view NSLocalizedRecoveryOptionsErrorKey = "NSLocalizedRecoveryOptions";
 inline constexpr std::string_view NSRecoveryAttempterErrorKey = "NSRecoveryAttempter";
 
@@ -66,10 +67,11 @@ class Error;
 using ErrorPtr = std::shared_ptr<const Error>;
 
 class Error final : public Object {
-public:
+  public:
     // userInfo nil means "no user information"; it reads as an empty dictionary.
     Error(std::string domain, std::int64_t code, Value userInfo = {});
-    [[nodiscard]] static ErrorPtr make(std::string_view domain, std::int64_t code, Value userInfo = {});
+    [[nodiscard]] static ErrorPtr make(std::string_view domain, std::int64_t code,
+                                       Value userInfo = {});
 
     const std::string& domain() const { return domain_; }
     std::int64_t code() const { return code_; }
@@ -83,20 +85,24 @@ public:
     std::optional<std::string> localizedRecoverySuggestion() const;
     // The texts under NSLocalizedRecoveryOptionsErrorKey; absent unless it holds an array of texts.
     std::optional<std::vector<std::string>> localizedRecoveryOptions() const;
-    ObjectPtr recoveryAttempter() const { return userInfoValue(NSRecoveryAttempterErrorKey).object(); }
+    ObjectPtr recoveryAttempter() const {
+        return userInfoValue(NSRecoveryAttempterErrorKey).object();
+    }
     ErrorPtr underlyingError() const;
 
     // The value under NSLocalizedDescriptionKey when it is a text; absent otherwise.
     std::optional<std::string> userInfoLocalizedDescription() const;
-    bool hasUserInfoLocalizedDescription() const { return userInfoLocalizedDescription().has_value(); }
+    bool hasUserInfoLocalizedDescription() const {
+        return userInfoLocalizedDescription().has_value();
+    }
 
     // Classification. Domains compare exactly; the library's own VNErrCodeUserCancelled is
     // not a user-cancelled error.
-    bool isUserCancelledError() const;        // NSCocoaErrorDomain / 3072
-    bool isLoopExitError() const;             // "vn" / 99991
+    bool isUserCancelledError() const;           // NSCocoaErrorDomain / 3072
+    bool isLoopExitError() const;                // "vn" / 99991
     bool isNotConnectedToInternetError() const;  // NSURLErrorDomain / -1009
-    bool isLoginCanceledError() const;        // user cancelled and "vn.loginCanceled" reads true
-    bool isNotAuthorizedError() const;        // "vn" / 403139
+    bool isLoginCanceledError() const;           // user cancelled and "vn.loginCanceled" reads true
+    bool isNotAuthorizedError() const;           // "vn" / 403139
     // NSURLErrorDomain with a code that may go away when the network comes back:
     // -1001, -1003, -1004, -1005, -1009, -1018, -1019, -1020.
     bool isNetworkPossibleError() const;
@@ -106,7 +112,7 @@ public:
     bool isEqual(const Object& other) const override;
     std::size_t hash() const override;
 
-private:
+  private:
     std::string domain_;
     std::int64_t code_;
     Value userInfo_;

@@ -11,12 +11,13 @@
 
 namespace vn {
 
-inline constexpr std::string_view NSInternalInconsistencyException = "NSInternalInconsistencyException";
+inline constexpr std::string_view NSInternalInconsistencyException =
+    "NSInternalInconsistencyException";
 inline constexpr std::string_view NSInvalidArgumentException = "NSInvalidArgumentException";
 inline constexpr std::string_view NSRangeException = "NSRangeException";
 
 class Exception : public std::exception {
-public:
+  public:
     Exception(std::string name, std::string reason, Value::Dictionary userInfo = {});
 
     const std::string& name() const { return name_; }
@@ -28,7 +29,7 @@ public:
     const std::string& description() const { return reason_; }
     const char* what() const noexcept override { return reason_.c_str(); }
 
-private:
+  private:
     std::string name_;
     std::string reason_;
     Value::Dictionary userInfo_;

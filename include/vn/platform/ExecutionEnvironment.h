@@ -28,7 +28,7 @@ inline constexpr std::string_view UIApplicationOpenSettingsURLString = "app-sett
 enum class UIApplicationState : long { active = 0, inactive = 1, background = 2 };
 
 class VNExecutionEnvironmentHelper {
-public:
+  public:
     // Posted (on the default centre) when the running application context is about to end.
     static const std::string& currentContextWillTerminateNotification();
     static void postCurrentContextWillTerminate();
@@ -37,10 +37,12 @@ public:
     static void setApplicationState(UIApplicationState state);
 
     using Completion = std::function<void(bool success)>;
-    using URLOpener = std::function<void(const std::string& url, const Value::Dictionary& options, Completion)>;
+    using URLOpener =
+        std::function<void(const std::string& url, const Value::Dictionary& options, Completion)>;
     // Hands the URL to the host's opener; without one the request is dropped and the
     // completion, if any, hears false.
-    static void openURL(const std::string& url, const Value::Dictionary& options = {}, Completion completion = nullptr);
+    static void openURL(const std::string& url, const Value::Dictionary& options = {},
+                        Completion completion = nullptr);
     static void setURLOpener(URLOpener opener);
 };
 

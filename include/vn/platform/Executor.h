@@ -18,7 +18,7 @@
 namespace vn {
 
 class Executor {
-public:
+  public:
     virtual ~Executor() = default;
     // Runs block once, asynchronously, in the executor's context (see above).
     virtual void execute(std::function<void()> block) = 0;

@@ -11,6 +11,7 @@ namespace vn {
 
 // The platform's failure for an initialiser a class does not offer:
 // "Fatal error: Use of unimplemented initializer '<initializer>' for class '<className>'".
-[[noreturn]] void unimplementedInitializer(std::string_view className, std::string_view initializer);
+[[noreturn]] void unimplementedInitializer(std::string_view className,
+                                           std::string_view initializer);
 
 }  // namespace vn

@@ -7,10 +7,11 @@
 
 namespace vn {
 
-inline constexpr std::string_view NSCurrentLocaleDidChangeNotification = "NSCurrentLocaleDidChangeNotification";
+inline constexpr std::string_view NSCurrentLocaleDidChangeNotification =
+    "NSCurrentLocaleDidChangeNotification";
 
 class Locale {
-public:
+  public:
     explicit Locale(std::string identifier) : identifier_(std::move(identifier)) {}
 
     // The user's current locale: the one the host set, else the process's default locale.
@@ -27,7 +28,7 @@ public:
     // The current locale's decimal separator, cached until the current locale changes.
     static std::string currentDecimalSeparator();
 
-private:
+  private:
     std::string identifier_;
 };
 

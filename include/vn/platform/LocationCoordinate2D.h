@@ -16,8 +16,8 @@ inline constexpr LocationCoordinate2D kCLLocationCoordinate2DInvalid{-180.0, -18
 
 // Valid when the latitude is within ±90 and the longitude within ±180 (NaN is not valid).
 inline bool CLLocationCoordinate2DIsValid(const LocationCoordinate2D& coordinate) {
-    return coordinate.latitude >= -90.0 && coordinate.latitude <= 90.0 && coordinate.longitude >= -180.0 &&
-           coordinate.longitude <= 180.0;
+    return coordinate.latitude >= -90.0 && coordinate.latitude <= 90.0 &&
+           coordinate.longitude >= -180.0 && coordinate.longitude <= 180.0;
 }
 
 inline LocationCoordinate2D CLLocationCoordinate2DMake(double latitude, double longitude) {

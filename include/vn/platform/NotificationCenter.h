@@ -42,7 +42,7 @@ struct Notification {
 };
 
 class NotificationCenter {
-public:
+  public:
     using Block = std::function<void(const Notification&)>;
 
     NotificationCenter() = default;
@@ -55,19 +55,21 @@ public:
     // Registers block (which must not be empty) for name and sender, delivered through executor
     // when one is given. Returns the observer token. The centre keeps the token (and the block)
     // until removeObserver() is called with it; a caller may hold it weakly.
-    ObjectPtr addObserver(std::string_view name, const Object* sender, ExecutorPtr executor, Block block);
+    ObjectPtr addObserver(std::string_view name, const Object* sender, ExecutorPtr executor,
+                          Block block);
     // Removes the observer of token; an unknown or null token is ignored. Does not wait for a
     // post in progress on another thread (that post may still deliver to the observer).
     void removeObserver(const ObjectPtr& token);
 
     // Delivers notification as described above.
     void post(const Notification& notification);
-    void postNotificationName(std::string_view name, ObjectPtr sender = nullptr, Value::Dictionary userInfo = {});
+    void postNotificationName(std::string_view name, ObjectPtr sender = nullptr,
+                              Value::Dictionary userInfo = {});
 
     // The number of registered observers.
     std::size_t observerCount() const;
 
-private:
+  private:
     struct Registration {
         ObjectPtr token;
         std::string name;

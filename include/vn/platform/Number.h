@@ -18,8 +18,15 @@
 namespace vn {
 
 class Number {
-public:
-    enum class Kind : std::uint8_t { boolean, signedInteger, unsignedInteger, floatingPoint, doublePrecision, decimal };
+  public:
+    enum class Kind : std::uint8_t {
+        boolean,
+        signedInteger,
+        unsignedInteger,
+        floatingPoint,
+        doublePrecision,
+        decimal
+    };
 
     constexpr Number() : value_(std::int64_t{0}) {}
     [[nodiscard]] static Number fromBool(bool value) { return Number(Storage(value)); }
@@ -31,15 +38,19 @@ public:
 
     // Implicit boxing of C++ scalars keeps their kind; bool is a boolean, never an integer.
     template <std::integral T>
-    Number(T value) : value_(box(value)) {}  // NOLINT(google-explicit-constructor)
-    Number(float value) : value_(value) {}   // NOLINT(google-explicit-constructor)
-    Number(double value) : value_(value) {}  // NOLINT(google-explicit-constructor)
+    Number(T value) : value_(box(value)) {}          // NOLINT(google-explicit-constructor)
+    Number(float value) : value_(value) {}           // NOLINT(google-explicit-constructor)
+    Number(double value) : value_(value) {}          // NOLINT(google-explicit-constructor)
     Number(const Decimal& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
 
     Kind kind() const { return static_cast<Kind>(value_.index()); }
     bool isBoolean() const { return kind() == Kind::boolean; }
-    bool isInteger() const { return kind() == Kind::signedInteger || kind() == Kind::unsignedInteger; }
-    bool isFloatingPoint() const { return kind() == Kind::floatingPoint || kind() == Kind::doublePrecision; }
+    bool isInteger() const {
+        return kind() == Kind::signedInteger || kind() == Kind::unsignedInteger;
+    }
+    bool isFloatingPoint() const {
+        return kind() == Kind::floatingPoint || kind() == Kind::doublePrecision;
+    }
     bool isDecimal() const { return kind() == Kind::decimal; }
 
     bool boolValue() const;
@@ -53,10 +64,12 @@ public:
 
     // Numeric order across kinds: integers exactly, decimals as decimals, the rest as doubles.
     std::partial_ordering compare(const Number& other) const;
-    bool operator==(const Number& other) const { return compare(other) == std::partial_ordering::equivalent; }
+    bool operator==(const Number& other) const {
+        return compare(other) == std::partial_ordering::equivalent;
+    }
     std::size_t hash() const;
 
-private:
+  private:
     using Storage = std::variant<bool, std::int64_t, std::uint64_t, float, double, Decimal>;
     explicit Number(Storage value) : value_(std::move(value)) {}
 

@@ -15,7 +15,7 @@
 namespace vn {
 
 class Object : public std::enable_shared_from_this<Object> {
-public:
+  public:
     Object() = default;
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
@@ -36,7 +36,7 @@ public:
     void setAssociatedObject(const void* key, std::shared_ptr<Object> value);
     std::shared_ptr<Object> associatedObject(const void* key) const;
 
-private:
+  private:
     struct AssociatedObjects;
     // Created on the first association: most objects never have one, and an object should
     // cost no more than its own fields.

@@ -13,7 +13,7 @@
 namespace vn {
 
 class Thread {
-public:
+  public:
     static bool isMainThread();
     // Declares the calling thread to be the main thread.
     static void markMainThread();

@@ -13,7 +13,7 @@
 namespace vn {
 
 class UserDefaults {
-public:
+  public:
     UserDefaults() = default;
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;
@@ -41,7 +41,7 @@ public:
     // Forgets every value and every registered default (for tests and host resets).
     void reset();
 
-private:
+  private:
     mutable std::shared_mutex mutex_;
     Value::Dictionary values_;
     Value::Dictionary registered_;

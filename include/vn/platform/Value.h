@@ -30,8 +30,18 @@ namespace vn {
 using Data = std::vector<std::uint8_t>;
 
 class Value {
-public:
-    enum class Kind : std::uint8_t { nil, null, number, string, data, date, array, dictionary, object };
+  public:
+    enum class Kind : std::uint8_t {
+        nil,
+        null,
+        number,
+        string,
+        data,
+        date,
+        array,
+        dictionary,
+        object
+    };
 
     using Array = std::vector<Value>;
     using Dictionary = std::map<std::string, Value, std::less<>>;
@@ -42,21 +52,23 @@ public:
 
     Value(Number number) : storage_(number) {}  // NOLINT(google-explicit-constructor)
     template <typename T>
-        requires std::is_arithmetic_v<T>
-    Value(T scalar) : storage_(Number(scalar)) {}  // NOLINT(google-explicit-constructor)
-    Value(const Decimal& decimal) : storage_(Number(decimal)) {}  // NOLINT(google-explicit-constructor)
-    Value(std::string text);                                      // NOLINT(google-explicit-constructor)
-    Value(std::string_view text) : Value(std::string(text)) {}    // NOLINT(google-explicit-constructor)
-    Value(const char* text) : Value(std::string(text)) {}         // NOLINT(google-explicit-constructor)
-    Value(Data data);                                             // NOLINT(google-explicit-constructor)
-    Value(Date date) : storage_(date) {}                          // NOLINT(google-explicit-constructor)
-    Value(Array array);                                           // NOLINT(google-explicit-constructor)
-    Value(Dictionary dictionary);                                 // NOLINT(google-explicit-constructor)
+    requires std::is_arithmetic_v<T> Value(T scalar)
+        : storage_(Number(scalar)) {}  // NOLINT(google-explicit-constructor)
+    Value(const Decimal& decimal)
+        : storage_(Number(decimal)) {}  // NOLINT(google-explicit-constructor)
+    Value(std::string text);            // NOLINT(google-explicit-constructor)
+    Value(std::string_view text)
+        : Value(std::string(text)) {}                      // NOLINT(google-explicit-constructor)
+    Value(const char* text) : Value(std::string(text)) {}  // NOLINT(google-explicit-constructor)
+    Value(Data data);                                      // NOLINT(google-explicit-constructor)
+    Value(Date date) : storage_(date) {}                   // NOLINT(google-explicit-constructor)
+    Value(Array array);                                    // NOLINT(google-explicit-constructor)
+    Value(Dictionary dictionary);                          // NOLINT(google-explicit-constructor)
     // An object; a null pointer gives nil. Const objects (errors) are accepted and stay
     // logically immutable: the library never mutates an object through a Value.
     template <typename T>
-        requires std::is_base_of_v<Object, T>
-    Value(std::shared_ptr<T> object)  // NOLINT(google-explicit-constructor)
+    requires std::is_base_of_v<Object, T> Value(
+        std::shared_ptr<T> object)  // NOLINT(google-explicit-constructor)
         : storage_(objectStorage(std::shared_ptr<const Object>(std::move(object)))) {}
 
     Kind kind() const { return static_cast<Kind>(storage_.index()); }
@@ -112,13 +124,14 @@ public:
     bool operator==(const Value& other) const;
     std::size_t hash() const;
 
-private:
+  private:
     struct NullMarker {
         bool operator==(const NullMarker&) const = default;
     };
-    using Storage = std::variant<std::monostate, NullMarker, Number, std::shared_ptr<const std::string>,
-                                 std::shared_ptr<const Data>, Date, std::shared_ptr<const Array>,
-                                 std::shared_ptr<const Dictionary>, ObjectPtr>;
+    using Storage =
+        std::variant<std::monostate, NullMarker, Number, std::shared_ptr<const std::string>,
+                     std::shared_ptr<const Data>, Date, std::shared_ptr<const Array>,
+                     std::shared_ptr<const Dictionary>, ObjectPtr>;
 
     static Storage objectStorage(std::shared_ptr<const Object> object) {
         if (!object) return Storage();
