@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Builds the library and its tests with a preset (default: debug) and runs the whole suite.
-#   scripts/test.sh [debug|release|asan|tsan] [ctest arguments...]
+# Builds the library, its tests, tool and benchmarks with a preset (default: release, what users
+# ship) and runs the whole suite.
+#   scripts/test.sh [release|debug|asan|tsan] [ctest arguments...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-preset="${1:-debug}"
+preset="${1:-release}"
 shift || true
 bash scripts/install-deps.sh
 cmake --preset "$preset" >/dev/null

@@ -28,8 +28,7 @@ URLSession::URLSession(Private, const URLSessionConfiguration& configuration,
     : configuration_(configuration),
       shared_(shared),
       callbackQueue_(std::make_shared<CallbackQueue>(
-          delegateQueue ? std::move(delegateQueue)
-                        : ExecutorPtr(DispatchQueue::global()))),
+          delegateQueue ? std::move(delegateQueue) : ExecutorPtr(DispatchQueue::global()))),
       delegate_(std::move(delegate)) {}
 
 URLSession::~URLSession() = default;

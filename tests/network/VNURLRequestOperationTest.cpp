@@ -8,8 +8,8 @@
 
 #include "network/NetworkTesting.h"
 #include "testing/CapturingLogListener.h"
-#include "testing/ScopedProcessState.h"
 #include "testing/LoopbackHTTPServer.h"
+#include "testing/ScopedProcessState.h"
 #include "vn/concurrency/OperationQueue.h"
 #include "vn/concurrency/RunLoop.h"
 #include "vn/network/OperationQueueVNFoundation.h"
