@@ -12,6 +12,7 @@
 #include "network/OnceAnswer.h"
 #include "network/RedirectRules.h"
 #include "network/TransportErrors.h"
+#include "platform/internal/HTTPHeaderNames.h"
 #include "vn/network/URLConnectionFailureInjection.h"
 #include "vn/network/URLError.h"
 #include "vn/platform/FileSystem.h"
@@ -38,13 +39,6 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) ==
-               std::tolower(static_cast<unsigned char>(y));
-    });
-}
-
 // The status code of a status line ("HTTP/1.1 404 Not Found", "HTTP/2 200"); 0 when unreadable.
 long statusOfLine(std::string_view line) {
     const auto space = line.find(' ');
@@ -66,7 +60,10 @@ std::string slotKeyFor(const URLSession* session, const URL& url) {
 
 bool isHTTPScheme(const URL& url) {
     const auto& scheme = url.scheme();
-    return scheme && (equalsIgnoringCase(*scheme, "http") || equalsIgnoringCase(*scheme, "https"));
+    if (!scheme) return false;
+    std::string lowercased;
+    for (const char c : *scheme) lowercased.push_back(platform_internal::asciiLowercase(c));
+    return lowercased == "http" || lowercased == "https";
 }
 
 }  // namespace
@@ -268,9 +265,9 @@ size_t TaskDriver::onHeaderLine(std::string_view line) {
     if (colon == std::string_view::npos) return line.size();
     std::string name(trimmed(content.substr(0, colon)));
     std::string value(trimmed(content.substr(colon + 1)));
-    const auto existing =
-        std::find_if(headerFields_.begin(), headerFields_.end(),
-                     [&](const auto& field) { return equalsIgnoringCase(field.first, name); });
+    const auto existing = std::find_if(
+        headerFields_.begin(), headerFields_.end(),
+        [&](const auto& field) { return platform_internal::headerNamesEqual(field.first, name); });
     if (existing == headerFields_.end()) {
         headerFields_.emplace(std::move(name), std::move(value));
     } else {

@@ -16,12 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string quotedPathText(std::string_view format, std::string_view path) {
-    std::string text(format);
-    text.replace(text.find("%@"), 2, path);
-    return text;
-}
-
 // The library's file operations give error codes, not error objects: the developer text
 // carries the paths and the system's reason travels as the underlying error.
 ErrorPtr fileError(const std::string& developerText, const std::error_code& cause) {
@@ -165,12 +159,7 @@ void VNURLRequestOperation::main() {
             urlSession_ = session;
         }
         task = session->dataTaskWithRequest(*request);
-        bool logEnabled = false;
-        {
-            std::lock_guard lock(mutex_);
-            logEnabled = logEnabled_;
-        }
-        if (logEnabled) VNLog::logURLRequestIfEnabled(*request);
+        if (isLogEnabled()) VNLog::logURLRequestIfEnabled(*request);
         setSessionTask(task);
         if (task) {
             task->resume();
@@ -221,15 +210,21 @@ std::optional<bool> VNURLRequestOperation::canGetAuthenticationChallengeErrorFro
     return std::nullopt;
 }
 
+bool VNURLRequestOperation::isLogEnabled() const {
+    std::lock_guard lock(mutex_);
+    return logEnabled_;
+}
+
 void VNURLRequestOperation::logResponse(const URLResponse& response,
                                         const std::optional<Data>& data) const {
-    std::optional<URLRequest> request;
-    {
-        std::lock_guard lock(mutex_);
-        if (!logEnabled_) return;
-        request = request_;
-    }
-    VNLog::logURLResponseIfEnabled(response, request.value_or(URLRequest()), data);
+    if (isLogEnabled())
+        VNLog::logURLResponseIfEnabled(response, request().value_or(URLRequest()), data);
+}
+
+void VNURLRequestOperation::logResponse(const URLResponse& response,
+                                        std::string_view dataPath) const {
+    if (isLogEnabled())
+        VNLog::logURLResponseIfEnabled(response, request().value_or(URLRequest()), dataPath);
 }
 
 void VNURLRequestOperation::didReceiveResponse(const std::shared_ptr<URLSession>& session,
@@ -260,7 +255,7 @@ void VNURLRequestOperation::didReceiveResponse(const std::shared_ptr<URLSession>
     if (path) {
         if (!path->empty()) return completionHandler(URLSessionResponseDisposition::becomeDownload);
         finishWithError(defaultVNErrorWithDeveloperDescription(
-            quotedPathText("Invalid URL request operation save file path: '%@'", *path)));
+            stringWithFormat("Invalid URL request operation save file path: '%@'", *path)));
         return completionHandler(URLSessionResponseDisposition::cancel);
     }
     {
@@ -323,13 +318,14 @@ ErrorPtr VNURLRequestOperation::saveDownload(const std::string& location, const 
     if (fs::exists(fs::symlink_status(path, failed))) {
         if (!fs::remove(path, failed) || failed)
             return fileError(
-                quotedPathText("URL request operation could not remove file path: '%@'", path),
+                stringWithFormat("URL request operation could not remove file path: '%@'", path),
                 failed ? failed : std::make_error_code(std::errc::io_error));
     }
     if (const std::error_code moveFailed = moveFile(location, path)) {
-        std::string text = "URL request operation could not move downloaded file '%@' to '%@'";
-        text = quotedPathText(text, location);
-        return fileError(quotedPathText(text, path), moveFailed);
+        return fileError(
+            stringWithFormat("URL request operation could not move downloaded file '%@' to '%@'",
+                             location, path),
+            moveFailed);
     }
     return nullptr;
 }
@@ -341,7 +337,7 @@ void VNURLRequestOperation::didFinishDownloadingToURL(
     if (isCancelled()) return cancelAndFinish(task);
     const std::optional<std::string> path = saveToFilePath();
     if (!path || path->empty())
-        return finishWithError(defaultVNErrorWithDeveloperDescription(quotedPathText(
+        return finishWithError(defaultVNErrorWithDeveloperDescription(stringWithFormat(
             "Invalid URL request operation save file path: '%@'", path.value_or(""))));
     if (const ErrorPtr failed = saveDownload(location, *path)) finishWithError(failed);
 }
@@ -369,14 +365,7 @@ void VNURLRequestOperation::didCompleteWithError(const std::shared_ptr<URLSessio
         if (!isDownload) {
             outcome = defaultVNError();
         } else if (response) {
-            std::optional<URLRequest> request = this->request();
-            bool logEnabled = false;
-            {
-                std::lock_guard lock(mutex_);
-                logEnabled = logEnabled_;
-            }
-            if (logEnabled)
-                VNLog::logURLResponseIfEnabled(*response, request.value_or(URLRequest()), *path);
+            logResponse(*response, *path);
         }
     } else if (isDownload) {
         outcome = defaultVNError();
@@ -443,14 +432,8 @@ void VNURLRequestOperation::finishWithSuccessOnMain() {
 }
 
 void VNURLRequestOperation::finishWithErrorOnMain(const ErrorPtr& error) {
-    std::optional<URLRequest> request;
-    bool logEnabled = false;
-    {
-        std::lock_guard lock(mutex_);
-        request = request_;
-        logEnabled = logEnabled_;
-    }
-    if (logEnabled && VNLog::isLogResponsesEnabled()) {
+    if (isLogEnabled() && VNLog::isLogResponsesEnabled()) {
+        const std::optional<URLRequest> request = this->request();
         Value::Dictionary record;
         record.emplace("url", request && request->url() ? Value(request->url()->absoluteString())
                                                         : Value::null());

@@ -1,8 +1,6 @@
 // Helpers shared by the network tests: loading a request and waiting for its one completion
-// with a deadline, reading a response's status and body, counting open files.
+// with a deadline, reading a response's status and body.
 #pragma once
-
-#include <dirent.h>
 
 #include <atomic>
 #include <chrono>
@@ -68,16 +66,6 @@ inline LoadResult load(const URLSessionPtr& session, const URLRequest& request) 
 
 inline LoadResult load(const URLSessionPtr& session, const std::string& url) {
     return load(session, requestFor(url));
-}
-
-// Open file descriptors of this process.
-inline int openFileCount() {
-    int count = 0;
-    if (DIR* directory = opendir("/proc/self/fd")) {
-        while (readdir(directory)) ++count;
-        closedir(directory);
-    }
-    return count;
 }
 
 inline URLSessionPtr plainSession() {

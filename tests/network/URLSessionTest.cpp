@@ -11,6 +11,7 @@
 
 #include "network/NetworkTesting.h"
 #include "testing/LoopbackHTTPServer.h"
+#include "testing/RawTestClient.h"
 #include "vn/formatting/StringUtilities.h"
 #include "vn/network/URLConnectionFailureInjection.h"
 #include "vn/network/URLError.h"
@@ -693,7 +694,7 @@ TEST(URLSession, LeavesNoFileOrSocketBehind) {
     load(plainSession(),
          server.url("/status/200"));  // the transport's own descriptors exist from now on
     ASSERT_TRUE(URLSession::closeIdleConnections());
-    const int before = testing::openFileCount();
+    const std::size_t before = testing::openDescriptorCount();
     {
         const auto session = plainSession();
         for (int i = 0; i < 20; ++i) {
@@ -713,8 +714,8 @@ TEST(URLSession, LeavesNoFileOrSocketBehind) {
     }
     ASSERT_TRUE(URLSession::closeIdleConnections());
     // The server's side of a closed connection goes when its thread notices.
-    EXPECT_TRUE(testing::eventually([&] { return testing::openFileCount() <= before; }))
-        << testing::openFileCount() << " open, " << before << " before";
+    EXPECT_TRUE(testing::eventually([&] { return testing::openDescriptorCount() <= before; }))
+        << testing::openDescriptorCount() << " open, " << before << " before";
 }
 
 TEST(URLSessionStress, ThousandTasksFromEightThreadsEachCompleteOnce) {

@@ -137,7 +137,9 @@ class VNURLRequestOperation : public Operation, public URLSessionDelegate, publi
     void tearDownSession(bool cancelTasks);
     void finishWithErrorOnMain(const ErrorPtr& error);
     void finishWithSuccessOnMain();
+    bool isLogEnabled() const;
     void logResponse(const URLResponse& response, const std::optional<Data>& data) const;
+    void logResponse(const URLResponse& response, std::string_view dataPath) const;
     std::shared_ptr<VNURLRequestOperation> self();
     ErrorPtr saveDownload(const std::string& location, const std::string& path);
 
