@@ -576,7 +576,7 @@ void TaskDriver::finish(ErrorPtr error) {
     finished_ = true;
     auto self = shared_from_this();
     TransferEngine& engine = TransferEngine::shared();
-    engine.withdraw(*this);
+    engine.withdraw(*this, easy_);
     engine.unwatch(self);
     if (downloadFd_ >= 0) {
         close(downloadFd_);

@@ -139,13 +139,11 @@ void TransferEngine::releaseSlot(const std::string& slotKey) {
     if (slot.active == 0) slots_.erase(found);
 }
 
-void TransferEngine::withdraw(TaskDriver& driver) {
-    for (auto it = running_.begin(); it != running_.end(); ++it) {
-        if (it->second.driver.get() != &driver) continue;
-        CURL* easy = it->first;
-        const std::string slotKey = std::move(it->second.slotKey);
-        const std::shared_ptr<TaskDriver> keep = std::move(it->second.driver);
-        running_.erase(it);
+void TransferEngine::withdraw(TaskDriver& driver, CURL* easy) {
+    if (const auto found = easy ? running_.find(easy) : running_.end(); found != running_.end()) {
+        const std::string slotKey = std::move(found->second.slotKey);
+        const std::shared_ptr<TaskDriver> keep = std::move(found->second.driver);
+        running_.erase(found);
         curl_multi_remove_handle(multi_, easy);
         keep->withdrawn();
         releaseSlot(slotKey);

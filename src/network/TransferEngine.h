@@ -35,8 +35,9 @@ class TransferEngine {
     // Runs driver's transfer once a connection slot for slotKey is free.
     void enqueue(const std::shared_ptr<TaskDriver>& driver, const std::string& slotKey,
                  long slotLimit);
-    // Stops a transfer that runs or waits for a slot (nothing happens for others).
-    void withdraw(TaskDriver& driver);
+    // Stops driver's transfer: the one running on easy, or, with easy null, the one waiting for
+    // a slot (nothing happens when there is neither).
+    void withdraw(TaskDriver& driver, CURL* easy);
     // Calls driver->startAttempt() at when (or at once if it has passed).
     void scheduleAttempt(const std::shared_ptr<TaskDriver>& driver, Clock::time_point when);
     // Drivers whose deadlines the loop checks.
