@@ -3,6 +3,7 @@
 // pending; the classification of such failures; the waiting session.
 #include <mutex>
 
+#include "network/ProcessWideSetting.h"
 #include "vn/network/IPAddressLiteral.h"
 #include "vn/network/URLSession.h"
 #include "vn/network/VNNetworkReachability.h"
@@ -15,14 +16,12 @@
 namespace vn {
 namespace {
 
-struct ClassifierSlot {
-    std::mutex mutex;
-    URLSession::LocalNetworkPermissionErrorClassifier classifier;  // null: the built-in one
-};
-
-ClassifierSlot& classifierSlot() {
-    static ClassifierSlot* const slot = new ClassifierSlot;  // read by tasks ending during exit
-    return *slot;
+// Null: the built-in classification.
+network_internal::ProcessWideSetting<URLSession::LocalNetworkPermissionErrorClassifier>&
+classifierSetting() {
+    static auto* const setting =
+        new network_internal::ProcessWideSetting<URLSession::LocalNetworkPermissionErrorClassifier>;
+    return *setting;
 }
 
 struct WaitingSessionSlot {
@@ -184,11 +183,7 @@ URLSessionDownloadTaskPtr URLSession::vnDownloadTaskWaitingForPermissionWithURL(
 
 bool URLSession::vnMayBeLocalNetworkPermissionError(const ErrorPtr& error,
                                                     const std::optional<URL>& url) {
-    LocalNetworkPermissionErrorClassifier classifier;
-    {
-        std::lock_guard lock(classifierSlot().mutex);
-        classifier = classifierSlot().classifier;
-    }
+    const LocalNetworkPermissionErrorClassifier classifier = classifierSetting().get();
     return classifier ? classifier(error, url)
                       : vnMayBeLocalNetworkPermissionErrorDefault(error, url);
 }
@@ -209,11 +204,9 @@ bool URLSession::vnMayBeLocalNetworkPermissionErrorDefault(const ErrorPtr& error
 URLSession::LocalNetworkPermissionErrorClassifier
 URLSession::setVNLocalNetworkPermissionErrorClassifier(
     LocalNetworkPermissionErrorClassifier classifier) {
-    {
-        std::lock_guard lock(classifierSlot().mutex);
-        std::swap(classifierSlot().classifier, classifier);
-    }
-    if (classifier) return classifier;
+    if (LocalNetworkPermissionErrorClassifier replaced =
+            classifierSetting().exchange(std::move(classifier)))
+        return replaced;
     return [](const ErrorPtr& error, const std::optional<URL>& url) {
         return vnMayBeLocalNetworkPermissionErrorDefault(error, url);
     };

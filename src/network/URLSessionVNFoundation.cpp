@@ -1,28 +1,21 @@
 // The library's session factories: one replaceable place through which it makes sessions.
-#include <mutex>
-
+#include "network/ProcessWideSetting.h"
 #include "vn/network/URLSession.h"
 
 namespace vn {
 namespace {
 
-struct FactorySlot {
-    std::mutex mutex;
-    URLSession::SessionFactory factory;
-};
-
-FactorySlot& factorySlot() {
-    static FactorySlot* const slot = new FactorySlot;  // read by sessions made during exit
-    return *slot;
+// Null: sessionWithConfiguration itself.
+network_internal::ProcessWideSetting<URLSession::SessionFactory>& factorySetting() {
+    static auto* const setting =
+        new network_internal::ProcessWideSetting<URLSession::SessionFactory>;
+    return *setting;
 }
 
 }  // namespace
 
 URLSession::SessionFactory URLSession::setVNSessionFactory(SessionFactory factory) {
-    FactorySlot& slot = factorySlot();
-    std::lock_guard lock(slot.mutex);
-    std::swap(slot.factory, factory);
-    if (factory) return factory;
+    if (SessionFactory replaced = factorySetting().exchange(std::move(factory))) return replaced;
     return [](const URLSessionConfiguration& configuration, URLSessionDelegatePtr delegate,
               ExecutorPtr delegateQueue) {
         return sessionWithConfiguration(configuration, std::move(delegate),
@@ -33,12 +26,7 @@ URLSession::SessionFactory URLSession::setVNSessionFactory(SessionFactory factor
 URLSessionPtr URLSession::vnSessionWithConfiguration(const URLSessionConfiguration& configuration,
                                                      URLSessionDelegatePtr delegate,
                                                      ExecutorPtr delegateQueue) {
-    SessionFactory factory;
-    {
-        FactorySlot& slot = factorySlot();
-        std::lock_guard lock(slot.mutex);
-        factory = slot.factory;
-    }
+    const SessionFactory factory = factorySetting().get();
     if (!factory)
         return sessionWithConfiguration(configuration, std::move(delegate),
                                         std::move(delegateQueue));

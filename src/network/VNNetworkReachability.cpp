@@ -1,32 +1,24 @@
 #include "vn/network/VNNetworkReachability.h"
 
-#include <mutex>
-
 #include "network/InterfaceReachability.h"
+#include "network/ProcessWideSetting.h"
 #include "vn/network/IPAddressLiteral.h"
 
 namespace vn {
 namespace {
 
-struct ProviderSlot {
-    std::mutex mutex;
-    VNNetworkReachability::FlagsProvider provider;  // null: the built-in one
-};
-
-ProviderSlot& providerSlot() {
-    static ProviderSlot* const slot = new ProviderSlot;  // read by tasks ending during exit
-    return *slot;
+// Null: the built-in provider.
+network_internal::ProcessWideSetting<VNNetworkReachability::FlagsProvider>& providerSetting() {
+    static auto* const setting =
+        new network_internal::ProcessWideSetting<VNNetworkReachability::FlagsProvider>;
+    return *setting;
 }
 
 }  // namespace
 
 std::optional<SCNetworkReachabilityFlags> VNNetworkReachability::flagsForHost(
     std::string_view host) {
-    FlagsProvider provider;
-    {
-        std::lock_guard lock(providerSlot().mutex);
-        provider = providerSlot().provider;
-    }
+    const FlagsProvider provider = providerSetting().get();
     return provider ? provider(host) : defaultFlagsForHost(host);
 }
 
@@ -41,11 +33,7 @@ std::optional<SCNetworkReachabilityFlags> VNNetworkReachability::defaultFlagsFor
 
 VNNetworkReachability::FlagsProvider VNNetworkReachability::setFlagsProvider(
     FlagsProvider provider) {
-    {
-        std::lock_guard lock(providerSlot().mutex);
-        std::swap(providerSlot().provider, provider);
-    }
-    if (provider) return provider;
+    if (FlagsProvider replaced = providerSetting().exchange(std::move(provider))) return replaced;
     return [](std::string_view host) { return defaultFlagsForHost(host); };
 }
 

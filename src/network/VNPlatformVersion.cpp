@@ -1,30 +1,24 @@
 #include "vn/network/VNPlatformVersion.h"
 
-#include <mutex>
+#include "network/ProcessWideSetting.h"
 
 namespace vn {
 namespace {
 
-struct VersionSlot {
-    std::mutex mutex;
-    VNOperatingSystemVersion version = VNPlatformVersion::defaultVersion;
-};
-
-VersionSlot& versionSlot() {
-    static VersionSlot* const slot = new VersionSlot;  // read by tasks ending during exit
-    return *slot;
+network_internal::ProcessWideSetting<VNOperatingSystemVersion>& versionSetting() {
+    static auto* const setting = new network_internal::ProcessWideSetting<VNOperatingSystemVersion>(
+        VNPlatformVersion::defaultVersion);
+    return *setting;
 }
 
 }  // namespace
 
 VNOperatingSystemVersion VNPlatformVersion::current() {
-    std::lock_guard lock(versionSlot().mutex);
-    return versionSlot().version;
+    return versionSetting().get();
 }
 
 void VNPlatformVersion::setCurrent(VNOperatingSystemVersion version) {
-    std::lock_guard lock(versionSlot().mutex);
-    versionSlot().version = version;
+    versionSetting().exchange(version);
 }
 
 void VNPlatformVersion::reset() {
