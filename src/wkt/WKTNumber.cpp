@@ -12,8 +12,9 @@ double readLenientDouble(std::string_view text, std::size_t& at) {
     }
     double value = 0;
     // Coordinates sit inside longer texts and are mostly short: the exact reading goes first.
-    const std::size_t end = platform_internal::readDecimalWithPoint(
-        text, position, &value, platform_internal::ExactReading::always);
+    const std::size_t end =
+        platform_internal::readDecimalWithPoint<platform_internal::ExactReading::always>(
+            text, position, &value);
     if (end == position) return 0;
     at = end;
     return value;

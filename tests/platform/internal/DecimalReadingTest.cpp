@@ -14,6 +14,13 @@ namespace {
 
 constexpr std::size_t kNoNumber = std::string::npos;
 
+template <typename Floating>
+std::size_t readAtStart(ExactReading mode, std::string_view text, Floating* value) {
+    return mode == ExactReading::always
+               ? readDecimalWithPoint<ExactReading::always>(text, 0, value)
+               : readDecimalWithPoint<ExactReading::forShortTexts>(text, 0, value);
+}
+
 // Reads text at 0 in both modes, alone and followed by a long tail (which moves short texts off
 // the exact reading of forShortTexts), and checks the end and, bit for bit, the value against
 // strtod_l()/strtof_l() in the C locale.
@@ -25,8 +32,8 @@ void expectReadLikeStrtod(const std::string& text, std::size_t expectedEnd) {
                 "\"" + subject + "\" mode " + std::to_string(static_cast<int>(mode));
             double value = -12345;
             float floatValue = -12345;
-            const std::size_t end = readDecimalWithPoint(subject, 0, &value, mode);
-            const std::size_t floatEnd = readDecimalWithPoint(subject, 0, &floatValue, mode);
+            const std::size_t end = readAtStart(mode, subject, &value);
+            const std::size_t floatEnd = readAtStart(mode, subject, &floatValue);
             if (expectedEnd == kNoNumber) {
                 EXPECT_EQ(end, 0u) << context;
                 EXPECT_EQ(floatEnd, 0u) << context;
@@ -60,6 +67,11 @@ TEST(DecimalReading, ReadsLikeStrtodInTheCLocaleOnBothSidesOfTheExactBoundaries)
         {"1234567890123456", 16},
         {"12345678901234567", 17},
         {"000000000000000000000000001.5", 29},
+        // Digits: 19 fit a 64-bit mantissa, leading zeros included; more go the general way.
+        {"0000000000000000001", 19},
+        {"00000000000000000001", 20},
+        {"0.000000000000000001", 20},
+        {"0.0000000000000000001", 21},
         // Powers of ten: 1e22 is the last exact double one, 1e10 the last exact float one.
         {"1e22", 4},
         {"1e23", 4},
@@ -73,6 +85,8 @@ TEST(DecimalReading, ReadsLikeStrtodInTheCLocaleOnBothSidesOfTheExactBoundaries)
         {"1.7976931348623157e308", 22},
         {"1.8e308", 7},
         {"-1e99999", 8},
+        {"7e0000000000000000000000000001", 30},
+        {"1e-99999", 8},
         {"4.9e-324", 8},
         {"2e-324", 6},
         {"1e-400", 6},
