@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "formatting/IcuSupport.h"
+#include "platform/internal/PercentEncoding.h"
 #include "platform/internal/Utf8.h"
 
 namespace vn {
@@ -135,37 +136,9 @@ std::string xmlSimpleUnescape(std::string_view text) {
     return xmlSimpleUnescapeString(text);
 }
 
-// RFC 3986's unreserved bytes: letters, digits, "-", ".", "_" and "~".
-constexpr std::array<bool, 256> kUnreservedBytes = [] {
-    std::array<bool, 256> unreserved{};
-    for (int c = 0; c < 256; ++c) {
-        unreserved[c] = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                        (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_' || c == '~';
-    }
-    return unreserved;
-}();
-
-// Sized first, then written in place: OAuth signing escapes every parameter and then the
-// whole parameter string again, so this loop is on its hot path.
 std::string urlSimpleEscape(std::string_view text) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    const auto isUnreserved = [](char c) {
-        return kUnreservedBytes[static_cast<unsigned char>(c)];
-    };
-    const auto escapes = static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), std::not_fn(isUnreserved)));
-    std::string result(text.size() + 2 * escapes, '\0');
-    char* out = result.data();
-    for (const char c : text) {
-        if (isUnreserved(c)) {
-            *out++ = c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            *out++ = '%';
-            *out++ = kHex[byte >> 4];
-            *out++ = kHex[byte & 0x0F];
-        }
-    }
+    std::string result;
+    platform_internal::appendPercentEncoded(result, text);
     return result;
 }
 

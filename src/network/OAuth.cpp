@@ -7,6 +7,7 @@
 
 #include "network/HMACSHA1.h"
 #include "network/QueryParameters.h"
+#include "platform/internal/PercentEncoding.h"
 #include "vn/network/Base64.h"
 #include "vn/platform/StringEncoding.h"
 
@@ -53,9 +54,10 @@ struct SignedParameter {
 
 // The protocol and received parameters in byte order of their names, a later parameter
 // replacing an earlier one of the same name (one value per name, so ordering by name alone is
-// the full order by name and then value), each value encoded. The signature is computed on
-// every request: views sorted in place spare copying and moving the texts themselves.
-std::string parameterString(const URLQueryDictionary& protocol, const ParameterList& received) {
+// the full order by name and then value). The signature is computed on every request: views
+// sorted in place spare copying and moving the texts themselves.
+std::vector<SignedParameter> signedParameters(const URLQueryDictionary& protocol,
+                                              const ParameterList& received) {
     std::vector<SignedParameter> parameters;
     parameters.reserve(protocol.size() + received.size());
     for (const auto& [name, value] : protocol)
@@ -66,17 +68,26 @@ std::string parameterString(const URLQueryDictionary& protocol, const ParameterL
         const int byName = left.name.compare(right.name);
         return byName != 0 ? byName < 0 : left.order < right.order;
     });
-    std::string text;
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const bool replacedByNext =
-            i + 1 < parameters.size() && parameters[i + 1].name == parameters[i].name;
-        if (replacedByNext) continue;
-        if (!text.empty()) text += '&';
-        text += parameters[i].name;
-        text += '=';
-        text += ab_RFC3986EncodedString(parameters[i].value);
+    const auto replaced = std::unique(
+        parameters.rbegin(), parameters.rend(),
+        [](const auto& later, const auto& earlier) { return later.name == earlier.name; });
+    parameters.erase(parameters.begin(), replaced.base());
+    return parameters;
+}
+
+// Appends the parameter string ("name=encoded value" joined by "&") encoded once more, as the
+// signature base string holds it, in one pass: each value is encoded twice in place, and the
+// separators are written encoded.
+void appendEncodedParameterString(std::string& baseString,
+                                  const std::vector<SignedParameter>& parameters) {
+    bool first = true;
+    for (const SignedParameter& parameter : parameters) {
+        if (!first) baseString += "%26";
+        first = false;
+        platform_internal::appendPercentEncoded(baseString, parameter.name);
+        baseString += "%3D";
+        platform_internal::appendPercentEncoded(baseString, parameter.value, 2);
     }
-    return text;
 }
 
 std::optional<std::string> baseURL(const URL& url) {
@@ -94,7 +105,7 @@ std::string authorizationHeader(const URLQueryDictionary& protocol) {
         first = false;
         header += name;
         header += "=\"";
-        header += ab_RFC3986EncodedString(value);
+        platform_internal::appendPercentEncoded(header, value);
         header += '"';
     }
     return header;
@@ -121,12 +132,12 @@ std::optional<OAuthSignedRequest> OAuthSignRequest(const URL& url, std::string_v
     OAuthSignedRequest request;
     request.protocolParameters = protocolParameters(consumerKey, token, nonce, timestamp);
     std::string& baseString = request.signatureBaseString;
-    baseString = ab_RFC3986EncodedString(method);
+    platform_internal::appendPercentEncoded(baseString, method);
     baseString += '&';
-    baseString += ab_RFC3986EncodedString(*base);
+    platform_internal::appendPercentEncoded(baseString, *base);
     baseString += '&';
-    baseString += ab_RFC3986EncodedString(
-        parameterString(request.protocolParameters, receivedParameters(url, body)));
+    appendEncodedParameterString(
+        baseString, signedParameters(request.protocolParameters, receivedParameters(url, body)));
     request.signingKey = ab_RFC3986EncodedString(consumerSecret) + '&' +
                          ab_RFC3986EncodedString(tokenSecret.value_or(std::string_view()));
 
