@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config clang-format python3
   libicu-dev libcurl4-openssl-dev libyajl-dev libminizip-dev zlib1g-dev libssl-dev uuid-dev
-  libasio-dev libplist-dev media-types libcpp-httplib-dev openssl
+  libasio-dev libplist-dev media-types libcpp-httplib-dev openssl nghttp2-server
   libgtest-dev libgmock-dev libbenchmark-dev libgeos-dev
 )
 

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "network/NetworkTesting.h"
+#include "testing/Http2LoopbackServer.h"
 #include "testing/LoopbackHTTPServer.h"
 #include "testing/RawTestClient.h"
 #include "vn/formatting/StringUtilities.h"
@@ -635,6 +636,29 @@ TEST(URLSession, HTTPSTrustsTheSystemStoreOrTheConfiguredAuthorities) {
         load(URLSession::sessionWithConfiguration(configuration), server.url("/status/200"));
     EXPECT_FALSE(trusted.error);
     EXPECT_EQ(trusted.status(), 200);
+}
+
+// nghttpd answers HTTP/2 only: an answer at all shows the session negotiated it over TLS.
+TEST(URLSession, SpeaksHTTP2WithAServerThatOffersIt) {
+    testing::Http2LoopbackServer server(/*echoUploads=*/true);
+    server.addFile("greeting.txt", "hello over h2");
+    auto configuration = URLSessionConfiguration::defaultSessionConfiguration();
+    configuration.trustedCertificatesFile = server.caCertificatePath();
+    const auto session = URLSession::sessionWithConfiguration(configuration);
+
+    const LoadResult fetched = load(session, server.url("/greeting.txt"));
+    ASSERT_FALSE(fetched.error) << fetched.error->localizedDescription();
+    EXPECT_EQ(fetched.status(), 200);
+    EXPECT_EQ(fetched.body(), "hello over h2");
+    EXPECT_EQ(fetched.response->expectedContentLength(), 13);
+    EXPECT_EQ(load(session, server.url("/missing")).status(), 404);
+
+    URLRequest upload = requestFor(server.url("/greeting.txt"));
+    upload.setHTTPMethod("POST");
+    upload.setHTTPBody(Data{'p', 'o', 's', 't', 'e', 'd'});
+    const LoadResult echoed = load(session, upload);
+    EXPECT_FALSE(echoed.error);
+    EXPECT_EQ(echoed.body(), "posted");
 }
 
 TEST(URLConnectionFailureInjection, FailsAttemptsInItsScopeAndCountsThem) {
