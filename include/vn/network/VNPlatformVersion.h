@@ -9,6 +9,8 @@
 // Safe from any thread.
 #pragma once
 
+#include <compare>
+
 namespace vn {
 
 struct VNOperatingSystemVersion {
