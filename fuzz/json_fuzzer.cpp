@@ -1,0 +1,52 @@
+// libFuzzer target: JSON text decodes to a value or to an error, never both or neither; what
+// decodes is valid UTF-8 throughout, and writing it gives JSON that decodes and writes again
+// to the same text, in both styles.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "FuzzInput.h"
+#include "vn/platform/Error.h"
+#include "vn/values/JSON.h"
+
+namespace {
+
+void checkTexts(const vn::Value& value) {
+    if (const std::string* text = value.string()) vn_fuzz::checkUtf8(*text, "a decoded text");
+    if (const vn::Value::Array* array = value.array()) {
+        for (const vn::Value& element : *array) checkTexts(element);
+    }
+    if (const vn::Value::Dictionary* dictionary = value.dictionary()) {
+        for (const auto& [key, element] : *dictionary) {
+            vn_fuzz::checkUtf8(key, "a decoded key");
+            checkTexts(element);
+        }
+    }
+}
+
+void checkRewrite(const vn::Value& value, vn::JSONWritingStyle style) {
+    const std::string written = vn::jsonString(value, style);
+    vn_fuzz::checkUtf8(written, "written JSON");
+    vn::ErrorPtr error;
+    const vn::Value reread = vn::VNUtilities::jsonObject(written, std::nullopt, &error);
+    vn_fuzz::check(error == nullptr, "written JSON that does not decode");
+    vn_fuzz::check(vn::jsonString(reread, style) == written, "JSON that does not write back");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    vn::ErrorPtr error;
+    const vn::Value value = vn::VNUtilities::jsonObject(text, std::nullopt, &error);
+    vn_fuzz::check(value.isNil() == (error != nullptr), "a result and an error disagree");
+    if (error) {
+        vn_fuzz::check(error->code() == vn::kJSONReadCorruptErrorCode, "an unexpected error code");
+        return 0;
+    }
+    checkTexts(value);
+    checkRewrite(value, vn::JSONWritingStyle::compact);
+    checkRewrite(value, vn::JSONWritingStyle::pretty);
+    return 0;
+}
