@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "platform/internal/Utf8.h"
 #include "vn/platform/ExecutionEnvironment.h"
@@ -146,10 +147,28 @@ void VNLog::writeToFile(std::string_view line) {
 
 int VNLog::openFileIfNeeded() {
     if (logFile_ >= 0) return logFile_;
+    // The file has a fixed name in a folder other local users may write to. Whatever is there
+    // is removed, and the file is made anew and exclusively: a link or a file someone else
+    // planted (or plants after the removal) is never followed, truncated or written into.
     ::unlink(logFilePath_.c_str());
-    logFile_ = ::open(logFilePath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    logFile_ = ::open(logFilePath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                      S_IRUSR | S_IWUSR);
+    if (logFile_ < 0) {
+        reportOpenFailureOnce(errno);
+        return logFile_;
+    }
+    openFailureReported_ = false;
     addTerminationObserverIfNeeded();
     return logFile_;
+}
+
+void VNLog::reportOpenFailureOnce(int error) {
+    if (openFailureReported_) return;
+    openFailureReported_ = true;
+    std::fprintf(stderr,
+                 "VNLog: cannot create the log file %s (%s); messages are not written to a file. "
+                 "A file or link another user left at that name is never reused or followed.\n",
+                 logFilePath_.c_str(), std::strerror(error));
 }
 
 void VNLog::addTerminationObserverIfNeeded() {
@@ -180,7 +199,9 @@ void VNLog::clearLog() {
 }
 
 std::optional<std::string> VNLog::logString() {
-    const int descriptor = ::open(sharedInstance()->logFilePath_.c_str(), O_RDONLY | O_CLOEXEC);
+    // Never through a link: what another user planted at the name is not this log.
+    const int descriptor =
+        ::open(sharedInstance()->logFilePath_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) return std::nullopt;
     std::string content;
     char buffer[16384];

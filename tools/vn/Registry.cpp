@@ -38,8 +38,20 @@ TourRegistration::TourRegistration(TourSection section) {
 }
 
 int usageError(const Command& command) {
-    std::fprintf(stderr, "usage: vn %s\n", command.usage.c_str());
-    return 2;
+    std::fprintf(stderr, "usage: vn %s\n(vn help %s shows an example)\n", command.usage.c_str(),
+                 command.name.c_str());
+    return kUsage;
+}
+
+int badData(const Command& command, std::string_view problem) {
+    std::fprintf(stderr, "vn %s: %.*s\n", command.name.c_str(), static_cast<int>(problem.size()),
+                 problem.data());
+    return kBadData;
+}
+
+void printCommandHelp(const Command& command) {
+    std::printf("usage: vn %s\n\n%s\n\nexample:\n  %s\n", command.usage.c_str(),
+                command.summary.c_str(), command.example.c_str());
 }
 
 }  // namespace vn::tool

@@ -6,10 +6,14 @@
 // The switches are read afresh on every call, so a change takes effect with the next message.
 //
 // The log file is started anew by the first message written in a process run (an older file
-// is deleted first), is never appended across runs, and is deleted again by clearLog() or
-// when the execution environment posts VNExecutionEnvironmentHelper::
+// is deleted first), is never appended across runs, and is deleted again by clearLog() or when
+// the execution environment posts VNExecutionEnvironmentHelper::
 // currentContextWillTerminateNotification(). Each message is written and synchronised to
-// storage (fdatasync) before the call returns.
+// storage (fdatasync) before the call returns. The temporary directory ($TMPDIR, else /tmp) may
+// be shared with other local users, so the file is created exclusively, readable and writable by
+// its owner only (0600), and never through a symbolic link: when something another user
+// left at its name cannot be deleted, the file is not written and standard error says why
+// (once, until the file can be made again).
 //
 // All members are static and act on one shared logger, created on first use together with the
 // registered defaults of its four user-default switches:
@@ -22,7 +26,8 @@
 // listener list run in one serial section (a mutex: the synchronous work the log does on its
 // private serial queue is exactly a critical section). Console output and listener
 // notification run on the caller's thread, outside that section. Nothing here reports an
-// error: failures to delete, create or write the file are swallowed.
+// error to the caller: failures to delete, create or write the file are swallowed (a failure
+// to create it is told on standard error).
 #pragma once
 
 #include <atomic>
@@ -179,6 +184,8 @@ class VNLog final : public Object {
         std::shared_ptr<const ListenerList> listeners);
     void writeToFile(std::string_view line);
     int openFileIfNeeded();
+    // Tells the console (standard error) once, until the file is made again, why it cannot be.
+    void reportOpenFailureOnce(int error);
     void addTerminationObserverIfNeeded();
     void closeAndDeleteFile();
 
@@ -188,6 +195,7 @@ class VNLog final : public Object {
     // The serial section: file operations and listener changes.
     std::mutex privateQueue_;
     int logFile_ = -1;  // open descriptor, or -1 before the first write and after a clear
+    bool openFailureReported_ = false;
     bool terminationObserverAdded_ = false;
     ListenerList listeners_;
 

@@ -3,9 +3,9 @@
 // operations with dependencies, and a cancelled composite. Also the dispatch-roundtrip
 // command.
 #include <atomic>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -114,28 +114,36 @@ int runDispatchRoundtrip(const tool::Arguments& arguments);
 
 const tool::Command kDispatchRoundtrip{
     "dispatch-roundtrip", "dispatch-roundtrip [COUNT]",
-    "time work sent to a background queue and completed back on the main thread",
-    runDispatchRoundtrip};
+    "time work sent to a background queue and completed back on the main thread (COUNT 1 to "
+    "100000, default 1000)",
+    "vn dispatch-roundtrip 500", runDispatchRoundtrip};
+
+constexpr long kMostRoundTrips = 100000;
 
 int runDispatchRoundtrip(const tool::Arguments& arguments) {
     long count = 1000;
     if (arguments.size() > 1) return tool::usageError(kDispatchRoundtrip);
     if (!arguments.empty()) {
-        char* end = nullptr;
-        count = std::strtol(arguments[0].c_str(), &end, 10);
-        if (*end != '\0' || count <= 0) return tool::usageError(kDispatchRoundtrip);
+        const std::string& text = arguments[0];
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+        if (error != std::errc() || end != text.data() + text.size() || count < 1 ||
+            count > kMostRoundTrips)
+            return tool::badData(kDispatchRoundtrip, "COUNT must be a whole number from 1 to " +
+                                                         std::to_string(kMostRoundTrips) +
+                                                         ", not \"" + text + "\"");
     }
     const auto start = std::chrono::steady_clock::now();
     for (long i = 0; i < count; ++i) {
         bool back = false;
         vn_dispatch_on_background([] {}, [&] { back = true; });
-        RunLoop::main().runUntil([&] { return back; }, 10s);
+        if (!RunLoop::main().runUntil([&] { return back; }, 10s))
+            return tool::badData(kDispatchRoundtrip, "a round trip did not come back in 10 s");
     }
     const std::chrono::duration<double, std::micro> elapsed =
         std::chrono::steady_clock::now() - start;
     std::printf("%ld round trips main -> background -> main: %.1f us each\n", count,
                 elapsed.count() / count);
-    return 0;
+    return tool::kSuccess;
 }
 
 const tool::CommandRegistration kDispatchRoundtripRegistration{kDispatchRoundtrip};

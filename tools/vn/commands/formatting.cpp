@@ -41,13 +41,24 @@ std::string describeFormatter(const NumberFormatter& formatter) {
     return text;
 }
 
-// A mask formatter stops the process on a text without digits, so only texts sure to carry
-// one are read back through it: those of positive integers under a mask with digit positions.
-bool canReadBack(const NumberFormatter& formatter, const Number& number) {
+std::size_t countOf(std::string_view text, std::string_view characters) {
+    std::size_t count = 0;
+    for (const char c : text) count += characters.find(c) != std::string_view::npos;
+    return count;
+}
+
+// A mask formatter stops the process on a text from which it collects no digit, or more
+// digits than a signed 64-bit integer holds, so only texts sure to avoid both are read back
+// through it: those of positive integers under a mask with digit positions, where the mask or
+// the text limits the digits collected to 18.
+bool canReadBack(const NumberFormatter& formatter, const Number& number, std::string_view shown) {
     const auto* mask = dynamic_cast<const VNNumberWithPictureFormatter*>(&formatter);
     if (!mask) return true;
-    const bool hasDigits = mask->vnNumberFormat().find_first_of("0#") != std::string::npos;
-    return hasDigits && number.decimalValue() >= Decimal::fromInteger(1) &&
+    constexpr std::size_t kDigitsThatAlwaysFit = 18;
+    const std::size_t positions = countOf(mask->vnNumberFormat(), "0#");
+    const bool fits =
+        positions <= kDigitsThatAlwaysFit || countOf(shown, "0123456789") <= kDigitsThatAlwaysFit;
+    return positions > 0 && fits && number.decimalValue() >= Decimal::fromInteger(1) &&
            number.decimalValue() == number.decimalValue().rounded(0, RoundingMode::down);
 }
 
@@ -55,7 +66,7 @@ int runPicture(const tool::Arguments& arguments);
 
 const tool::Command kPicture{"picture", "picture MASK NUMBER... [--locale ID]",
                              "format numbers by a model picture and read the texts back",
-                             runPicture};
+                             "vn picture 'ZZZ,ZZ9.99' 1234.5 -7 --locale de_DE", runPicture};
 
 int runPicture(const tool::Arguments& arguments) {
     std::optional<std::string> locale;
@@ -83,8 +94,9 @@ int runPicture(const tool::Arguments& arguments) {
             continue;
         }
         const std::string shown = formatter->stringFromNumber(*number);
-        std::string readBack = "(not read back: a mask formatter reads only texts with digits)";
-        if (canReadBack(*formatter, *number)) {
+        std::string readBack =
+            "(not read back: a mask formatter reads only texts of 1 to 18 digits)";
+        if (canReadBack(*formatter, *number, shown)) {
             const auto read = formatter->numberFromString(shown);
             readBack = read ? read->description() : "(does not read back)";
         }
@@ -147,36 +159,33 @@ int runDate(const tool::Arguments& arguments);
 
 const tool::Command kDate{"date", "date ISO-INSTANT [--zone ID]",
                           "the model's views of an instant (2020-03-01T10:20:30Z, 0001-01-01, ...)",
-                          runDate};
+                          "vn date 2020-03-01T10:20:30Z --zone America/Montevideo", runDate};
 
 int runDate(const tool::Arguments& arguments) {
     if (arguments.size() != 1 && !(arguments.size() == 3 && arguments[1] == "--zone"))
         return tool::usageError(kDate);
     if (arguments.size() == 3 && !VNTimeZone::setCurrentTimeZoneWithName(arguments[2])) {
-        std::fprintf(stderr, "vn date: unknown time zone \"%s\"\n", arguments[2].c_str());
-        return 1;
+        return tool::badData(kDate, "unknown time zone \"" + arguments[2] + "\"");
     }
     const auto date = instantFromArgument(arguments[0]);
-    if (!date) {
-        std::fprintf(stderr, "vn date: \"%s\" is not an ISO 8601 instant\n", arguments[0].c_str());
-        return 1;
-    }
+    if (!date) return tool::badData(kDate, "\"" + arguments[0] + "\" is not an ISO 8601 instant");
     printDateViews(*date);
-    return 0;
+    return tool::kSuccess;
 }
 
 // ---- vn mime -------------------------------------------------------------------------------
 
 int runMime(const tool::Arguments& arguments);
 
-const tool::Command kMime{"mime", "mime EXTENSION...", "the MIME type of file extensions", runMime};
+const tool::Command kMime{"mime", "mime EXTENSION...", "the MIME type of file extensions",
+                          "vn mime png json", runMime};
 
 int runMime(const tool::Arguments& arguments) {
     if (arguments.empty()) return tool::usageError(kMime);
     for (const std::string& extension : arguments) {
         std::printf("%-12s %s\n", extension.c_str(), mimeTypeForPathExtension(extension).c_str());
     }
-    return 0;
+    return tool::kSuccess;
 }
 
 // ---- tour ----------------------------------------------------------------------------------

@@ -35,34 +35,38 @@ int resolveDimension(const std::string& text, double bound, bool constrained) {
     std::printf("dimension  %s %.9g\n", typeName(dimension.type), dimension.value);
     std::printf("resolved   %.17g (bound %.17g%s)\n", resolved, bound,
                 constrained ? ", constrained" : "");
-    return 0;
+    return tool::kSuccess;
 }
 
 int alignFrame(const CGRect& frame, double scale) {
     std::printf("frame      %s\n", NSStringFromCGRect(frame).c_str());
     std::printf("aligned    %s (scale %.17g)\n",
                 NSStringFromCGRect(VNPixelAlignedFrame(frame, scale)).c_str(), scale);
-    return 0;
+    return tool::kSuccess;
 }
 
 extern const tool::Command kLayout;
 
+int notANumber(const std::string& text) {
+    return tool::badData(kLayout, "\"" + text + "\" is not a number");
+}
+
 int runLayout(const tool::Arguments& arguments) {
     if (arguments.size() >= 3 && arguments.size() <= 4 && arguments[0] == "dimension") {
-        const auto bound = number(arguments[2]);
         const bool constrained = arguments.size() == 4 && arguments[3] == "constrained";
-        if (bound && (arguments.size() == 3 || constrained))
-            return resolveDimension(arguments[1], *bound, constrained);
+        if (arguments.size() == 4 && !constrained) return tool::usageError(kLayout);
+        const auto bound = number(arguments[2]);
+        if (!bound) return notANumber(arguments[2]);
+        return resolveDimension(arguments[1], *bound, constrained);
     }
     if (arguments.size() >= 5 && arguments.size() <= 6 && arguments[0] == "align") {
-        std::optional<double> values[5];
-        for (std::size_t i = 1; i < arguments.size(); ++i) values[i - 1] = number(arguments[i]);
-        if (arguments.size() == 5) values[4] = 1.0;
-        bool complete = true;
-        for (const auto& value : values) complete = complete && value.has_value();
-        if (complete)
-            return alignFrame(CGRectMake(*values[0], *values[1], *values[2], *values[3]),
-                              *values[4]);
+        double values[5] = {0, 0, 0, 0, 1.0};
+        for (std::size_t i = 1; i < arguments.size(); ++i) {
+            const auto value = number(arguments[i]);
+            if (!value) return notANumber(arguments[i]);
+            values[i - 1] = *value;
+        }
+        return alignFrame(CGRectMake(values[0], values[1], values[2], values[3]), values[4]);
     }
     return tool::usageError(kLayout);
 }
@@ -71,6 +75,7 @@ const tool::Command kLayout{
     "layout",
     "layout dimension TEXT BOUND [constrained] | layout align X Y WIDTH HEIGHT [SCALE]",
     "resolve a model dimension (\"50%\", \"20dip\", \"12.5\") or pixel-align a frame",
+    "vn layout dimension 50% 320",
     runLayout,
 };
 

@@ -19,7 +19,8 @@ int runLog(const tool::Arguments& arguments);
 
 const tool::Command kLog{
     "log", "log MESSAGE...",
-    "write MESSAGE to the log with the file on; print the log file's path and content", runLog};
+    "write MESSAGE to the log with the file on; print the log file's path and content",
+    "vn log 'hello from the tool'", runLog};
 
 void turnFileLogOn() {
     VNUtilities::setShowDeveloperInfo(false);
@@ -35,8 +36,13 @@ int runLog(const tool::Arguments& arguments) {
     VNLog::logMessage(message);
     std::printf("log file: %s\n", VNLog::sharedInstance()->logFilePath().c_str());
     const auto content = VNLog::logString();
-    std::printf("content:\n%s", content ? content->c_str() : "(no file)\n");
-    return 0;
+    if (content) std::printf("content:\n%s", content->c_str());
+    // The file is started anew by this run's first message, so it holds that message alone.
+    if (content != message + "\n")
+        return tool::badData(kLog,
+                             "the message did not reach the log file (it takes UTF-8 "
+                             "text only; see above for a file that cannot be made)");
+    return tool::kSuccess;
 }
 
 class PrintingListener final : public VNLogListener {

@@ -18,7 +18,7 @@ int runDataType(const tool::Arguments& arguments);
 
 const tool::Command kDataType{"datatype", "datatype NAME [EXTENDED_NAME]",
                               "the model data type of a type name such as \"numeric(10,2)\"",
-                              runDataType};
+                              "vn datatype 'numeric(10,2)'", runDataType};
 
 int runDataType(const tool::Arguments& arguments) {
     if (arguments.empty() || arguments.size() > 2) return tool::usageError(kDataType);
@@ -32,7 +32,7 @@ int runDataType(const tool::Arguments& arguments) {
     if (length) std::printf("length: %s\n", length->description().c_str());
     if (decimals) std::printf("decimals: %s\n", decimals->description().c_str());
     if (VNDataTypeIsMultimediaType(type)) std::printf("multimedia: yes\n");
-    return 0;
+    return tool::kSuccess;
 }
 
 void showModel() {

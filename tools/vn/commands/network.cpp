@@ -7,18 +7,18 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <future>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 
+#include "../FileReading.h"
 #include "../Registry.h"
 #include "vn/concurrency/OperationQueue.h"
 #include "vn/concurrency/RunLoop.h"
@@ -29,7 +29,6 @@
 #include "vn/network/VNURLRequestOperation.h"
 #include "vn/network/VNUtilitiesHTTP.h"
 #include "vn/platform/ExecutionEnvironment.h"
-#include "vn/platform/Scanner.h"
 #include "vn/platform/UserDefaults.h"
 #include "vn/values/JSON.h"
 
@@ -45,7 +44,7 @@ const tool::Command kGet{
     "[--save PATH] [--no-follow] [--trace] [--json]",
     "load URL with a request operation; print status, header fields and body (or the saved "
     "path, or the parsed JSON), or the error",
-    runGet};
+    "vn get http://127.0.0.1:8080/items --header 'Accept: application/json' --json", runGet};
 
 struct GetOptions {
     URLRequest request;
@@ -55,48 +54,42 @@ struct GetOptions {
     bool json = false;
 };
 
-std::optional<Data> readWholeFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    return Data(std::istreambuf_iterator<char>(in), {});
-}
-
-// Applies one option with its value to options; false when the option is unknown or the value
-// unusable.
-bool applyGetOption(const std::string& flag, const std::string& value, GetOptions& options) {
+// Applies one option with its value to options; returns the exit status of a mistake
+// (kUsage for an unknown option, kBadData for an unusable value), or kSuccess.
+int applyGetOption(const std::string& flag, const std::string& value, GetOptions& options) {
     if (flag == "--method") {
+        if (value.empty()) return tool::badData(kGet, "the method is empty");
         options.request.setHTTPMethod(value);
     } else if (flag == "--header") {
         const auto colon = value.find(':');
-        if (colon == std::string::npos || colon == 0) return false;
+        if (colon == std::string::npos || colon == 0)
+            return tool::badData(kGet, "a header is \"Name: value\", not \"" + value + "\"");
         const auto start = value.find_first_not_of(' ', colon + 1);
         options.request.setValue(start == std::string::npos ? "" : value.substr(start),
                                  value.substr(0, colon));
     } else if (flag == "--data" || flag == "--data-file") {
+        std::string problem;
         const auto body = flag == "--data" ? std::optional<Data>(Data(value.begin(), value.end()))
-                                           : readWholeFile(value);
-        if (!body) {
-            std::fprintf(stderr, "vn get: cannot read %s\n", value.c_str());
-            return false;
-        }
+                                           : tool::readRegularFile(value, &problem);
+        if (!body) return tool::badData(kGet, problem);
         options.request.setHTTPBody(*body);
         if (options.request.httpMethod() == "GET") options.request.setHTTPMethod("POST");
     } else if (flag == "--save") {
+        if (value.empty()) return tool::badData(kGet, "the path to save to is empty");
         options.savePath = value;
     } else {
-        return false;
+        return tool::usageError(kGet);
     }
-    return true;
+    return tool::kSuccess;
 }
 
-// Reads the command line into options; false on a mistake.
-bool parseGetArguments(const tool::Arguments& arguments, GetOptions& options) {
-    if (arguments.empty() || arguments.front() == "--help") return false;
+// Reads the command line into options; returns the exit status of a mistake, or kSuccess.
+int parseGetArguments(const tool::Arguments& arguments, GetOptions& options) {
+    if (arguments.empty()) return tool::usageError(kGet);
     const auto url = URL::URLWithString(arguments.front());
-    if (!url) {
-        std::fprintf(stderr, "vn get: not a URL: %s\n", arguments.front().c_str());
-        return false;
-    }
+    // Only absolute URLs: a bare word must not become a guessed host name.
+    if (!url || !url->scheme() || !url->host() || url->host()->empty())
+        return tool::badData(kGet, "not an absolute URL: " + arguments.front());
     options.request = URLRequest(*url);
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& flag = arguments[i];
@@ -106,11 +99,13 @@ bool parseGetArguments(const tool::Arguments& arguments, GetOptions& options) {
             options.trace = true;
         } else if (flag == "--json") {
             options.json = true;
-        } else if (i + 1 >= arguments.size() || !applyGetOption(flag, arguments[++i], options)) {
-            return false;
+        } else if (i + 1 >= arguments.size()) {
+            return tool::usageError(kGet);
+        } else if (const int status = applyGetOption(flag, arguments[++i], options)) {
+            return status;
         }
     }
-    return !(options.json && options.savePath);
+    return options.json && options.savePath ? tool::usageError(kGet) : tool::kSuccess;
 }
 
 // Traces requests, responses and bodies to the console.
@@ -174,7 +169,7 @@ void pumpUntil(const std::function<bool()>& done, const VNURLRequestOperation& o
 int printError(const ErrorPtr& error) {
     std::printf("error: domain %s code %lld: %s\n", error->domain().c_str(),
                 static_cast<long long>(error->code()), error->localizedDescription().c_str());
-    return 1;
+    return tool::kBadData;
 }
 
 void printResponseHead(const URLResponsePtr& response) {
@@ -195,7 +190,7 @@ int printOutcome(const VNURLRequestOperation& operation) {
         std::fwrite(data->data(), 1, data->size(), stdout);
         if (!data->empty() && data->back() != '\n') std::printf("\n");
     }
-    return 0;
+    return tool::kSuccess;
 }
 
 int runJSONChain(const GetOptions& options) {
@@ -209,7 +204,7 @@ int runJSONChain(const GetOptions& options) {
     printResponseHead(chain.request->response());
     if (delegate->parseError) return printError(delegate->parseError);
     std::printf("%s\n", jsonString(delegate->parsed, JSONWritingStyle::pretty).c_str());
-    return 0;
+    return tool::kSuccess;
 }
 
 // Runs a request operation for options to its end, on this (the main) thread's run loop.
@@ -229,7 +224,7 @@ VNURLRequestOperationPtr performRequest(const GetOptions& options) {
 
 int runGet(const tool::Arguments& arguments) {
     GetOptions options;
-    if (!parseGetArguments(arguments, options)) return tool::usageError(kGet);
+    if (const int status = parseGetArguments(arguments, options)) return status;
     if (options.trace) turnTracingOn();
     if (options.json) return runJSONChain(options);
     return printOutcome(*performRequest(options));
@@ -346,10 +341,11 @@ std::optional<std::string_view> option(const Options& options, std::string_view 
     return found->second;
 }
 
+// A whole number in the 64-bit range, written in decimal digits with an optional "-".
 std::optional<std::int64_t> wholeInteger(std::string_view text) {
-    Scanner scanner(text);
-    const std::optional<std::int64_t> value = scanner.scanInt64();
-    if (!value || !scanner.isAtEnd()) return std::nullopt;
+    std::int64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return value;
 }
 
@@ -376,10 +372,7 @@ int runOAuth(const tool::Arguments& arguments) {
         return tool::usageError(kOAuth);
 
     const std::optional<URL> url = URL::URLWithString(*urlText);
-    if (!url) {
-        std::fprintf(stderr, "vn oauth: not a URL: %s\n", std::string(*urlText).c_str());
-        return 1;
-    }
+    if (!url) return tool::badData(kOAuth, "not a URL: " + std::string(*urlText));
     std::optional<Data> body;
     if (const auto text = option(*options, "body")) body = Data(text->begin(), text->end());
     const auto token = option(*options, "token");
@@ -388,22 +381,17 @@ int runOAuth(const tool::Arguments& arguments) {
     std::optional<std::string> header;
     if (nonce) {
         const std::optional<std::int64_t> timestamp = wholeInteger(*timestampText);
-        if (!timestamp) {
-            std::fprintf(stderr, "vn oauth: the timestamp is not a whole number of seconds\n");
-            return 1;
-        }
+        if (!timestamp)
+            return tool::badData(kOAuth, "the timestamp is not a whole number of seconds");
         header = OAuthorizationHeader(*url, *method, body, *consumerKey, *consumerSecret, token,
                                       tokenSecret, *nonce, *timestamp);
     } else {
         header = OAuthorizationHeader(*url, *method, body, *consumerKey, *consumerSecret, token,
                                       tokenSecret);
     }
-    if (!header) {
-        std::fprintf(stderr, "vn oauth: the URL needs a scheme and a host to be signed\n");
-        return 1;
-    }
+    if (!header) return tool::badData(kOAuth, "the URL needs a scheme and a host to be signed");
     std::printf("%s\n", header->c_str());
-    return 0;
+    return tool::kSuccess;
 }
 
 const tool::Command kOAuth{
@@ -411,6 +399,8 @@ const tool::Command kOAuth{
     "oauth --url U --method M [--body B] --consumer-key K --consumer-secret S [--token T "
     "--token-secret TS] [--nonce N --timestamp T]",
     "the OAuth 1.0 (HMAC-SHA1) Authorization header value of a request",
+    "vn oauth --url https://api.example.com/photos --method GET --consumer-key key "
+    "--consumer-secret secret --nonce n1 --timestamp 1700000000",
     runOAuth,
 };
 
@@ -419,7 +409,7 @@ int describeWarnings(std::string_view value) {
     const auto warnings = VNUtilities::httpWarningsFromHeader(value);
     if (!warnings) {
         std::printf("no warnings: the value is empty or cannot be read\n");
-        return 1;
+        return tool::kBadData;
     }
     for (const auto& warning : *warnings) {
         std::printf("code %lld  agent %s  text \"%s\"\n", static_cast<long long>(warning->code()),
@@ -429,7 +419,7 @@ int describeWarnings(std::string_view value) {
                     warning->isSystemWarning() ? "yes" : "no",
                     warning->isWarningEncoded() ? "yes" : "no", warning->warningText().c_str());
     }
-    return 0;
+    return tool::kSuccess;
 }
 
 extern const tool::Command kWarning;
@@ -443,6 +433,7 @@ const tool::Command kWarning{
     "warning",
     "warning 'VALUE'",
     "the warnings of an HTTP Warning header value: code, agent, text and their classification",
+    "vn warning '199 api.example.com \"Disk almost full\"'",
     runWarning,
 };
 

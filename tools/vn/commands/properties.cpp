@@ -1,10 +1,9 @@
 // vn archive: the contents of a keyed archive (the platform's or ours) as a readable tree; and
 // the tour's section on property bags, keyed archives, metadata lookup and colours.
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "../FileReading.h"
 #include "../Registry.h"
 #include "vn/coding/KeyedArchiver.h"
 #include "vn/coding/KeyedUnarchiver.h"
@@ -37,30 +36,25 @@ int runArchive(const tool::Arguments& arguments);
 
 const tool::Command kArchive{
     "archive", "archive FILE",
-    "show a keyed archive (binary property list) as a tree, then decode it", runArchive};
+    "show a keyed archive (binary property list) as a tree, then decode it",
+    "vn archive settings.archive", runArchive};
 
 int runArchive(const tool::Arguments& arguments) {
     if (arguments.size() != 1) return tool::usageError(kArchive);
-    std::ifstream file(arguments[0], std::ios::binary);
-    if (!file) {
-        std::fprintf(stderr, "vn archive: cannot read %s\n", arguments[0].c_str());
-        return 1;
-    }
-    const Data bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string problem;
+    const auto bytes = tool::readRegularFile(arguments[0], &problem);
+    if (!bytes) return tool::badData(kArchive, problem);
     ErrorPtr error;
-    const auto tree = KeyedUnarchiver::describeArchive(bytes, &error);
-    if (!tree) {
-        std::fprintf(stderr, "vn archive: %s\n", reasonOf(error).c_str());
-        return 1;
-    }
+    const auto tree = KeyedUnarchiver::describeArchive(*bytes, &error);
+    if (!tree) return tool::badData(kArchive, reasonOf(error));
     std::printf("%s", tree->c_str());
-    const auto root = KeyedUnarchiver::unarchivedValue(bytes, &error);
+    const auto root = KeyedUnarchiver::unarchivedValue(*bytes, &error);
     if (!root) {
         std::printf("\ndecoding failed: %s\n", reasonOf(error).c_str());
-        return 1;
+        return tool::kBadData;
     }
     std::printf("\ndecoded root:\n%s\n", root->description().c_str());
-    return 0;
+    return tool::kSuccess;
 }
 
 // Prints what VNCodingKeysHelpers sends to the host's logger service.

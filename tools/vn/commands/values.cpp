@@ -57,10 +57,17 @@ int runCoerce(const tool::Arguments& arguments);
 
 const tool::Command kCoerce{"coerce", "coerce bool|int|uint|double|decimal|string|geo VALUE",
                             "convert a value (JSON when it parses, else text) as the library does",
-                            runCoerce};
+                            "vn coerce int '\"42 items\"'", runCoerce};
+
+bool isCoercionTarget(const std::string& target) {
+    for (const char* known : {"bool", "int", "uint", "double", "decimal", "string", "geo"}) {
+        if (target == known) return true;
+    }
+    return false;
+}
 
 int runCoerce(const tool::Arguments& arguments) {
-    if (arguments.size() != 2) return tool::usageError(kCoerce);
+    if (arguments.size() != 2 || !isCoercionTarget(arguments[0])) return tool::usageError(kCoerce);
     const std::string& target = arguments[0];
     const Value value = commandLineValue(arguments[1]);
     const std::string input = jsonString(value);
@@ -78,7 +85,7 @@ int runCoerce(const tool::Arguments& arguments) {
     } else if (target == "string") {
         const std::optional<std::string> text = VNUtilities::stringFromObject(value);
         std::printf(text ? "result: %s (string)\n" : "result: nil\n", text ? text->c_str() : "");
-    } else if (target == "geo") {
+    } else {  // geo
         const LocationCoordinate2D coordinate = VNUtilities::coordinateFromGeoLocationString(value);
         if (!CLLocationCoordinate2DIsValid(coordinate)) {
             std::printf("result: invalid coordinate (-180, -180)\n");
@@ -88,10 +95,8 @@ int runCoerce(const tool::Arguments& arguments) {
                         shortestDoubleText(coordinate.longitude).c_str(),
                         VNUtilities::geoLocationStringFromCoordinate(coordinate).c_str());
         }
-    } else {
-        return tool::usageError(kCoerce);
     }
-    return 0;
+    return tool::kSuccess;
 }
 
 void showValues() {

@@ -24,13 +24,13 @@ int describe(std::string_view text) {
         std::printf("error       %s %lld\n", error->domain().c_str(),
                     static_cast<long long>(error->code()));
         std::printf("text        %s\n", error->localizedDescription().c_str());
-        return 1;
+        return tool::kBadData;
     }
     std::printf("class       %s\n", geometry->className().c_str());
     std::printf("dimensions  %d\n", geometry->dimensions());
     std::printf("gis         %s\n", geometry->gis().c_str());
     std::printf("wkt         %s\n", geometry->toWKT().c_str());
-    return 0;
+    return tool::kSuccess;
 }
 
 extern const tool::Command kWKT;
@@ -46,6 +46,7 @@ const tool::Command kWKT{
     "wkt",
     "wkt TEXT...",
     "parse Well-Known Text (arguments joined by blanks): class, dimensions, reference system, text",
+    "vn wkt 'POINT(-56.16 -34.9)'",
     runWKT,
 };
 
