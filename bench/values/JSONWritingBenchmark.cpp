@@ -1,5 +1,5 @@
 // How writing JSON scales with the size of the value: one long text (plain, full of escapes,
-// accented, malformed) and many short members, from 1 KiB to 1 MiB of text.
+// accented, malformed), deep nesting and many short members, from 1 KiB to 1 MiB.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -46,6 +46,14 @@ void BM_JSONManyMembers(benchmark::State& state) {
     writeValue(state, vn::Value(std::move(members)));
 }
 
+// Arrays nested one level per 64 bytes, around a text full of escapes.
+void BM_JSONDeepNesting(benchmark::State& state) {
+    vn::Value value(repeated("\"\\", 64));
+    for (std::size_t i = 0; i < lengthOf(state) / 64; ++i)
+        value = vn::Value(vn::Value::Array{value});
+    writeValue(state, value);
+}
+
 BENCHMARK(BM_JSONPlainText)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
 BENCHMARK(BM_JSONEscapedText)
     ->RangeMultiplier(8)
@@ -56,6 +64,10 @@ BENCHMARK(BM_JSONAccentedText)
     ->Range(1 << 10, 1 << 20)
     ->Complexity(benchmark::oN);
 BENCHMARK(BM_JSONMalformedText)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+BENCHMARK(BM_JSONDeepNesting)
     ->RangeMultiplier(8)
     ->Range(1 << 10, 1 << 20)
     ->Complexity(benchmark::oN);
