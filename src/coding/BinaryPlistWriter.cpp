@@ -13,8 +13,6 @@
 namespace vn::coding_internal {
 namespace {
 
-constexpr std::uint64_t kNoObject = ~std::uint64_t{0};
-
 // One object of the object table: a node, or a dictionary key (which libplist keeps as a
 // separate kind of node, but the format stores as a string).
 struct Entry {
@@ -36,7 +34,9 @@ void appendBigEndian(Data& out, std::uint64_t value, std::size_t bytes) {
         out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-// Gives every object its index, depth first from the root; equal texts share one index.
+// Gives every object its index, depth first from the root; equal texts share one index. The
+// walk recurses once per level of container nesting, which a keyed archive keeps to a handful
+// (its values nest through UIDs, not through containers).
 class Flattener {
   public:
     std::vector<Entry> entries;

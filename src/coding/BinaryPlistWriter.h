@@ -4,7 +4,8 @@
 // buckets, so its time grows with the square of the number of objects once there are more than
 // a few thousand (a keyed archive has one or more per value). This writer keeps the same layout
 // (objects in depth-first order from the root, equal strings and keys stored once) in time
-// linear in the size of the tree.
+// linear in the size of the tree. Its recursion follows the tree's container nesting, which is
+// shallow in a keyed archive.
 #pragma once
 
 #include <optional>
