@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "coding/ArchiveFormat.h"
+#include "coding/BinaryPlistWriter.h"
 #include "coding/PlistNode.h"
 #include "platform/internal/Utf8.h"
 #include "vn/coding/Coding.h"
@@ -22,20 +23,12 @@ using namespace coding_internal;
 
 namespace {
 
-// libplist only makes 8-byte integers; a 16-byte one (the platform's form of unsigned values
-// above the signed 64-bit range) is made by letting libplist read a one-object binary list.
-PlistPtr makeWideUnsignedNode(std::uint64_t value) {
-    std::uint8_t bytes[8 + 17 + 1 + 32] = {'b', 'p', 'l', 'i', 's', 't', '0', '0', 0x14};
-    for (int i = 0; i < 8; ++i) bytes[17 + i] = static_cast<std::uint8_t>(value >> (56 - 8 * i));
-    bytes[25] = 8;  // offset table: the one object starts after the header
-    std::uint8_t* trailer = bytes + 26;
-    trailer[6] = 1;    // offset width
-    trailer[7] = 1;    // reference width
-    trailer[15] = 1;   // one object
-    trailer[31] = 25;  // offset table position
-    plist_t node = nullptr;
-    plist_from_bin(reinterpret_cast<const char*>(bytes), sizeof bytes, &node);
-    return PlistPtr(node);
+// Unsigned values above the signed 64-bit range take the format's 16-byte integer form (the
+// platform's form of them); the writer is told which nodes those are.
+bool needsSixteenBytes(const Number& number) {
+    return number.kind() == Number::Kind::unsignedInteger &&
+           number.unsignedIntegerValue() >
+               static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 }
 
 PlistPtr makeNumberNode(const Number& number) {
@@ -46,13 +39,8 @@ PlistPtr makeNumberNode(const Number& number) {
             // The setter is unsigned; the binary writer stores the two's complement in 8 bytes,
             // which is how the format writes negative integers.
             return PlistPtr(plist_new_uint(static_cast<std::uint64_t>(number.integerValue())));
-        case Number::Kind::unsignedInteger: {
-            const std::uint64_t value = number.unsignedIntegerValue();
-            if (value <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
-                return PlistPtr(plist_new_uint(value));
-            }
-            return makeWideUnsignedNode(value);
-        }
+        case Number::Kind::unsignedInteger:
+            return PlistPtr(plist_new_uint(number.unsignedIntegerValue()));
         case Number::Kind::floatingPoint:
         case Number::Kind::doublePrecision:
         case Number::Kind::decimal:
@@ -98,6 +86,7 @@ struct KeyedArchiver::State {
     std::unordered_map<const Object*, std::uint64_t> encodedObjects;
     std::vector<ObjectPtr> keptObjects;  // keeps addresses of shared objects from being reused
     std::unordered_set<const Object*> objectsInProgress;
+    std::unordered_set<plist_t> sixteenByteIntegers;
     std::optional<std::uint64_t> nullUid;
     int depth = 0;
     bool finished = false;
@@ -168,7 +157,9 @@ struct KeyedArchiver::State {
         if (number.isDecimal()) return encodeDecimal(number.decimalValue());
         const NumberKey key = numberKey(number);
         if (const auto found = numbers.find(key); found != numbers.end()) return found->second;
-        const std::uint64_t uid = append(makeNumberNode(number));
+        PlistPtr node = makeNumberNode(number);
+        if (needsSixteenBytes(number)) sixteenByteIntegers.insert(node.get());
+        const std::uint64_t uid = append(std::move(node));
         numbers.emplace(key, uid);
         return uid;
     }
@@ -326,16 +317,12 @@ struct KeyedArchiver::State {
         for (PlistPtr& object : objects) plist_array_append_item(entries.get(), object.release());
         objects.clear();
         plist_dict_set_item(root.get(), std::string(kObjectsKey).c_str(), entries.release());
-        char* buffer = nullptr;
-        std::uint32_t length = 0;
-        plist_to_bin(root.get(), &buffer, &length);
-        if (!buffer) {
+        std::optional<Data> written = writeBinaryPropertyList(root.get(), sixteenByteIntegers);
+        if (!written) {
             fail("the property list could not be written");
             return;
         }
-        bytes.assign(reinterpret_cast<const std::uint8_t*>(buffer),
-                     reinterpret_cast<const std::uint8_t*>(buffer) + length);
-        plist_to_bin_free(buffer);
+        bytes = std::move(*written);
     }
 };
 

@@ -47,9 +47,13 @@ std::unique_ptr<icu::SimpleDateFormat> makeSimpleDateFormat(const std::string& p
                                                             const std::string& localeId) {
     const icu::Locale locale = icuLocale(localeId);
     UErrorCode status = U_ZERO_ERROR;
-    auto format = std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern), locale, status);
-    if (U_SUCCESS(status)) return format;
-    // A pattern ICU cannot read formats as the empty text, as an empty pattern does.
+    std::unique_ptr<icu::SimpleDateFormat> format;
+    if (pattern.size() <= DateFormatter::kMaximumPatternLength) {
+        format = std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern), locale, status);
+        if (U_SUCCESS(status)) return format;
+    }
+    // A pattern ICU cannot read (or is not given, being too long) formats as the empty
+    // text, as an empty pattern does.
     status = U_ZERO_ERROR;
     format = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString(), locale, status);
     if (U_FAILURE(status)) fatalError("DateFormatter: the ICU date data is not available");
@@ -163,6 +167,7 @@ std::string DateFormatter::stringFromDate(const Date& date) const {
 }
 
 std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
+    if (text.size() > kMaximumTextLength) return std::nullopt;
     prepare();
     const icu::UnicodeString input = toUnicode(text);
     icu::ParsePosition position(0);

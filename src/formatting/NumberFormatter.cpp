@@ -110,6 +110,7 @@ std::string icuReadablePattern(std::string_view pattern) {
 }
 
 bool applyPattern(icu::DecimalFormat& format, std::string_view pattern) {
+    if (pattern.size() > NumberFormatter::kMaximumPatternLength) return false;
     UErrorCode status = U_ZERO_ERROR;
     format.applyPattern(toUnicode(icuReadablePattern(pattern)), status);
     return U_SUCCESS(status);
@@ -378,6 +379,7 @@ std::optional<Number> NumberFormatter::numberFromString(std::string_view text) c
     if (state_->zeroSymbol && text == *state_->zeroSymbol) {
         return state_->generatesDecimalNumbers ? Number(Decimal()) : Number(std::int64_t{0});
     }
+    if (text.size() > kMaximumTextLength) return std::nullopt;
     const icu::UnicodeString input = toUnicode(text);
     icu::Formattable parsed;
     icu::ParsePosition position(0);

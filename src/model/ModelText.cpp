@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "platform/internal/Utf8.h"
+
 namespace vn::model_internal {
 namespace {
 
@@ -24,6 +26,21 @@ std::string asciiLowercased(std::string_view text) {
     return result;
 }
 
+// Whether the text could fold to a word of wordLength ASCII letters: case folding maps every
+// code point to at least one, so a text of more code points cannot, and neither can malformed
+// UTF-8 (it reads as U+FFFD). The walk stops after wordLength + 1 code points, which keeps a
+// comparison with a long text as cheap as one with a short text.
+bool mayFoldToWordOfLength(std::string_view text, std::size_t wordLength) {
+    std::size_t codePoints = 0;
+    for (std::size_t at = 0; at < text.size(); ++codePoints) {
+        if (codePoints == wordLength) return false;
+        const platform_internal::Utf8Step step = platform_internal::decodeUtf8(text, at);
+        if (!step.wellFormed) return false;
+        at += step.length;
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string lowercased(std::string_view text) {
@@ -36,6 +53,7 @@ std::string lowercased(std::string_view text) {
 }
 
 bool equalsIgnoringCase(std::string_view text, std::string_view lowerCaseWord) {
+    if (!mayFoldToWordOfLength(text, lowerCaseWord.size())) return false;
     if (isASCII(text)) {
         return text.size() == lowerCaseWord.size() &&
                std::equal(text.begin(), text.end(), lowerCaseWord.begin(),

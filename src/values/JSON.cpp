@@ -207,6 +207,156 @@ std::optional<Value> parse(std::string_view text, std::string& failure) {
 
 constexpr std::size_t kGeneratorDepthLimit = YAJL_MAX_DEPTH - 1;
 
+template <typename Scalar>
+std::string shortestText(Scalar value) {
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return std::string(buffer, static_cast<std::size_t>(result.ptr - buffer));
+}
+
+// The JSON literal of a number: true or false, the shortest digits, a decimal's plain
+// notation, or null for what JSON cannot hold (non-finite values, the decimal NaN).
+std::string numberLiteral(const Number& number) {
+    switch (number.kind()) {
+        case Number::Kind::boolean:
+            return number.boolValue() ? "true" : "false";
+        case Number::Kind::signedInteger:
+            return shortestText(number.integerValue());
+        case Number::Kind::unsignedInteger:
+            return shortestText(number.unsignedIntegerValue());
+        case Number::Kind::floatingPoint:
+            return std::isfinite(number.floatValue()) ? shortestText(number.floatValue()) : "null";
+        case Number::Kind::doublePrecision:
+            return std::isfinite(number.doubleValue()) ? shortestText(number.doubleValue())
+                                                       : "null";
+        case Number::Kind::decimal: {
+            const Decimal decimal = number.decimalValue();
+            return decimal.isNaN() ? "null" : decimal.description();
+        }
+    }
+    return "null";
+}
+
+// The text as JSON can hold it: invalid UTF-8 becomes U+FFFD.
+template <typename Use>
+void withValidUtf8(std::string_view text, Use use) {
+    if (platform_internal::isValidUtf8(text)) {
+        use(text);
+    } else {
+        use(std::string_view(platform_internal::replacingInvalidUtf8(text)));
+    }
+}
+
+// The compact JSON of a value without any depth limit, written without recursion, character
+// for character as the generator writes it. It is what a container beyond the generator's
+// depth limit is written as (inside one string), so that however deep a value is, each of its
+// texts is escaped at most twice.
+class UnlimitedCompactWriter {
+  public:
+    std::string write(const Value& root) {
+        const Value* pending = &root;
+        for (;;) {
+            if (pending) open(*pending);
+            pending = nullptr;
+            if (frames_.empty()) return std::move(text_);
+            Frame& top = frames_.back();
+            if (top.array) {
+                if (top.index == top.array->size()) {
+                    text_ += ']';
+                    frames_.pop_back();
+                    continue;
+                }
+                if (top.index > 0) text_ += ',';
+                pending = &(*top.array)[top.index++];
+            } else {
+                if (top.member == top.dictionary->end()) {
+                    text_ += '}';
+                    frames_.pop_back();
+                    continue;
+                }
+                if (top.member != top.dictionary->begin()) text_ += ',';
+                appendString(top.member->first);
+                text_ += ':';
+                pending = &top.member->second;
+                ++top.member;
+            }
+        }
+    }
+
+  private:
+    struct Frame {
+        const Value::Array* array = nullptr;
+        std::size_t index = 0;
+        const Value::Dictionary* dictionary = nullptr;
+        Value::Dictionary::const_iterator member;
+    };
+
+    std::vector<Frame> frames_;
+    std::string text_;
+
+    // Writes a scalar, or the opening of a container (whose members follow).
+    void open(const Value& value) {
+        if (const Value::Array* array = value.array()) {
+            text_ += '[';
+            frames_.push_back(Frame{array, 0, nullptr, {}});
+        } else if (const Value::Dictionary* dictionary = value.dictionary()) {
+            text_ += '{';
+            frames_.push_back(Frame{nullptr, 0, dictionary, dictionary->begin()});
+        } else if (const Number* number = value.number()) {
+            text_ += numberLiteral(*number);
+        } else if (const std::string* text = value.string()) {
+            appendString(*text);
+        } else if (value.isNil() || value.isNull()) {
+            text_ += "null";
+        } else {
+            appendString(value.description());
+        }
+    }
+
+    // Escapes as the generator does: quote, backslash and the short escapes, other control
+    // characters as \u00XX (upper-case hex), everything else as it is.
+    void appendString(std::string_view text) {
+        withValidUtf8(text, [this](std::string_view valid) {
+            static constexpr char kHex[] = "0123456789ABCDEF";
+            text_ += '"';
+            for (const char c : valid) {
+                switch (c) {
+                    case '"':
+                        text_ += "\\\"";
+                        break;
+                    case '\\':
+                        text_ += "\\\\";
+                        break;
+                    case '\b':
+                        text_ += "\\b";
+                        break;
+                    case '\f':
+                        text_ += "\\f";
+                        break;
+                    case '\n':
+                        text_ += "\\n";
+                        break;
+                    case '\r':
+                        text_ += "\\r";
+                        break;
+                    case '\t':
+                        text_ += "\\t";
+                        break;
+                    default:
+                        if (static_cast<unsigned char>(c) < 0x20) {
+                            text_ += "\\u00";
+                            text_ += kHex[(c >> 4) & 0xF];
+                            text_ += kHex[c & 0xF];
+                        } else {
+                            text_ += c;
+                        }
+                }
+            }
+            text_ += '"';
+        });
+    }
+};
+
 class Generator {
   public:
     explicit Generator(JSONWritingStyle style) : generator_(yajl_gen_alloc(nullptr)) {
@@ -259,7 +409,7 @@ class Generator {
 
     void writeContainer(const Value& value, std::size_t depth) {
         if (depth >= kGeneratorDepthLimit) {
-            writeString(jsonString(value, JSONWritingStyle::compact));
+            writeString(UnlimitedCompactWriter().write(value));
             return;
         }
         if (const Value::Array* elements = value.array()) {
@@ -277,60 +427,23 @@ class Generator {
     }
 
     void writeString(std::string_view text) {
-        if (platform_internal::isValidUtf8(text)) {
+        withValidUtf8(text, [this](std::string_view valid) {
             check(yajl_gen_string(generator_.get(),
-                                  reinterpret_cast<const unsigned char*>(text.data()),
-                                  text.size()));
-            return;
-        }
-        const std::string valid = platform_internal::replacingInvalidUtf8(text);
-        check(yajl_gen_string(generator_.get(),
-                              reinterpret_cast<const unsigned char*>(valid.data()), valid.size()));
-    }
-
-    void writeNumberText(std::string_view text) {
-        check(yajl_gen_number(generator_.get(), text.data(), text.size()));
-    }
-
-    template <typename Scalar>
-    void writeShortest(Scalar value) {
-        if constexpr (std::is_floating_point_v<Scalar>) {
-            if (!std::isfinite(value)) {
-                check(yajl_gen_null(generator_.get()));
-                return;
-            }
-        }
-        char buffer[64];
-        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-        writeNumberText(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+                                  reinterpret_cast<const unsigned char*>(valid.data()),
+                                  valid.size()));
+        });
     }
 
     void writeNumber(const Number& number) {
-        switch (number.kind()) {
-            case Number::Kind::boolean:
-                check(yajl_gen_bool(generator_.get(), number.boolValue() ? 1 : 0));
-                break;
-            case Number::Kind::signedInteger:
-                writeShortest(number.integerValue());
-                break;
-            case Number::Kind::unsignedInteger:
-                writeShortest(number.unsignedIntegerValue());
-                break;
-            case Number::Kind::floatingPoint:
-                writeShortest(number.floatValue());
-                break;
-            case Number::Kind::doublePrecision:
-                writeShortest(number.doubleValue());
-                break;
-            case Number::Kind::decimal: {
-                const Decimal decimal = number.decimalValue();
-                if (decimal.isNaN()) {
-                    check(yajl_gen_null(generator_.get()));
-                } else {
-                    writeNumberText(decimal.description());
-                }
-                break;
-            }
+        if (number.kind() == Number::Kind::boolean) {
+            check(yajl_gen_bool(generator_.get(), number.boolValue() ? 1 : 0));
+            return;
+        }
+        const std::string literal = numberLiteral(number);
+        if (literal == "null") {
+            check(yajl_gen_null(generator_.get()));
+        } else {
+            check(yajl_gen_number(generator_.get(), literal.data(), literal.size()));
         }
     }
 

@@ -250,6 +250,35 @@ TEST(KeyedArchiver, ReportsValuesThatCannotBeArchived) {
     cyclic->next = Value{};  // break the reference cycle so the test does not leak
 }
 
+// More than 65,536 objects and an object table beyond 64 KiB need 4-byte references and
+// offsets; texts of every UTF-8 length (astral ones as surrogate pairs in UTF-16) and counts
+// beyond the marker's four bits need their long forms. Both readers must agree on all of it.
+TEST(KeyedArchiver, LargeArchivesWithEveryTextFormReadBack) {
+    Value::Array elements;
+    for (int i = 0; i < 70000; ++i) {
+        elements.emplace_back(i % 2 == 0
+                                  ? "text " + std::to_string(i)
+                                  : "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 " + std::to_string(i));
+    }
+    elements.emplace_back(std::numeric_limits<std::uint64_t>::max());
+    elements.emplace_back(std::int64_t{-70000});
+    elements.emplace_back(Data(300, 0x5A));
+    const Value root = dictionaryOf({{"elements", elements}, {"same", "text 0"}});
+    const Data bytes = archive(root);
+    EXPECT_EQ(roundTrip(root), root);
+
+    auto dump = plistlibDump(bytes);
+    ASSERT_FALSE(dump.empty()) << "plistlib could not read the archive";
+    std::size_t texts = 0;
+    bool astral = false;
+    for (const auto& [path, entry] : dump) {
+        texts += entry.rfind("str:text ", 0) == 0 ? 1 : 0;
+        astral = astral || entry == "str:\\xe9\\u20ac\\U0001f600 1";
+    }
+    EXPECT_EQ(texts, 35000u);  // "text 0" is stored once, though referenced twice
+    EXPECT_TRUE(astral);
+}
+
 TEST(KeyedArchiver, NestingJustWithinTheLimitRoundTrips) {
     Value deep = "bottom";
     for (int i = 1; i < KeyedArchiver::kMaxNestingDepth; ++i) deep = Value::Array{deep};

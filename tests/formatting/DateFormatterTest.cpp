@@ -28,6 +28,28 @@ TEST(DateFormatter, PatternsFormatAndReadBackInTheirZone) {
     EXPECT_EQ(formatter.dateFromString(""), std::nullopt);
 }
 
+// A pattern beyond the documented length formats as "" and reads nothing, like an unreadable
+// one; a text beyond its length reads as no date. Right at the lengths both work as before.
+TEST(DateFormatter, PatternsAndTextsAreReadUpToTheirMaximumLength) {
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    formatter.setTimeZone(TimeZone::gmt());
+    const std::string literal(DateFormatter::kMaximumPatternLength - 6, 'a');
+    formatter.setDateFormat("yyyy'" + literal + "'");
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "2020" + literal);
+    EXPECT_TRUE(formatter.dateFromString("2020" + literal).has_value());
+    formatter.setDateFormat("yyyy'" + literal + "a'");
+    EXPECT_EQ(formatter.dateFormat(), "yyyy'" + literal + "a'");
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "");
+    EXPECT_EQ(formatter.dateFromString("2020" + literal + "a"), std::nullopt);
+
+    formatter.setDateFormat("yyyy-MM-dd HH:mm:ss.SSS");
+    const std::string padded(DateFormatter::kMaximumTextLength - 23, '0');
+    EXPECT_EQ(formatter.dateFromString(padded + "2020-03-01 10:20:30.250"), kInstant);
+    EXPECT_EQ(formatter.dateFromString(padded + "02020-03-01 10:20:30.250"), std::nullopt);
+    EXPECT_EQ(formatter.dateFromString(std::string(1 << 20, '9')), std::nullopt);
+}
+
 TEST(DateFormatter, YearOneFormatsAndReadsBackAsTheEmptyDate) {
     const auto json =
         DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat("yyyy-MM-dd");

@@ -95,6 +95,32 @@ TEST(NumberFormatter, UnreadablePatternChangesNothingAndForcedPositionsAreShown)
     EXPECT_EQ(formatter->stringFromNumber(Number(5)), "5.00");
 }
 
+// Patterns and texts beyond the documented lengths are refused like unreadable ones; right at
+// the lengths they are read as before.
+TEST(NumberFormatter, PatternsAndTextsAreReadUpToTheirMaximumLength) {
+    const auto formatter = formatterFor("en_US", "#,##0.00");
+    const std::string literal(NumberFormatter::kMaximumPatternLength - 3, 'a');
+    formatter->setPositiveFormat("'" + literal + "'0");
+    EXPECT_EQ(formatter->stringFromNumber(Number(7)), literal + "7");
+    formatter->setPositiveFormat("'" + literal + "a'0");
+    EXPECT_EQ(formatter->positiveFormat(), "'" + literal + "'0");
+    formatter->setPositiveFormat(std::string(NumberFormatter::kMaximumPatternLength + 1, '9'));
+    EXPECT_EQ(formatter->positiveFormat(), "'" + literal + "'0");
+
+    const auto plain = formatterFor("en_US", "0");
+    const std::string zeros(NumberFormatter::kMaximumTextLength - 1, '0');
+    EXPECT_EQ(plain->numberFromString(zeros + "5"), Number(5));
+    EXPECT_EQ(plain->numberFromString(zeros + "50"), std::nullopt);
+    EXPECT_EQ(plain->numberFromString(std::string(1 << 20, '9')), std::nullopt);
+    plain->setZeroSymbol(std::string(NumberFormatter::kMaximumTextLength + 1, '-'));
+    EXPECT_EQ(plain->numberFromString(*plain->zeroSymbol()), Number(std::int64_t{0}));
+
+    const auto picture = NumberFormatter::numberFormatterForVNPicture(
+        std::string(NumberFormatter::kMaximumPatternLength + 1, '9'), "en_US", true);
+    EXPECT_EQ(picture->positiveFormat(), NumberFormatter().positiveFormat());
+    EXPECT_EQ(picture->stringFromNumber(Number(42)), "42");
+}
+
 TEST(NumberFormatter, StylesAndDigitLimits) {
     NumberFormatter formatter;
     formatter.setLocale(Locale("en_US"));

@@ -104,6 +104,26 @@ TEST(VNDataType, GivesUnknownAndLeavesTheSlotsAloneForNonTexts) {
     }
 }
 
+// Names are compared by Unicode case folding, which may lengthen a character ("\uFB01" folds
+// to "fi") or shorten one (the Kelvin sign to "k"); a long or malformed name matches nothing.
+TEST(VNDataType, NamesCompareByCaseFoldingWhateverTheirLength) {
+    EXPECT_EQ(VNDataTypeFromString(Value("NuMeRiC")), VNDataTypeNumeric);
+    EXPECT_EQ(VNDataTypeFromString(Value("typ/\xEF\xAC\x81le")), VNDataTypeFile);
+    EXPECT_EQ(VNDataTypeFromString(Value("typ/\xEF\xAC\x81LE")), VNDataTypeFile);
+    EXPECT_EQ(VNDataTypeFromString(Value("typ/\xEF\xAC\x81lex")), VNDataTypeUnknown);
+    EXPECT_EQ(VNDataTypeFromString(Value("numeric\xFF")), VNDataTypeUnknown);
+    EXPECT_EQ(VNDataTypeFromString(Value("numeric" + std::string(1 << 20, 'x'))),
+              VNDataTypeUnknown);
+    std::string accented;
+    for (int i = 0; i < (1 << 19); ++i) accented += "\xC3\xA9";
+    std::optional<Number> length;
+    std::optional<Number> decimals;
+    EXPECT_EQ(VNDataTypeWithInfoFromString(Value(accented + "(10,2)"), Value(), &length, &decimals),
+              VNDataTypeUnknown);
+    EXPECT_EQ(length, Number::fromUnsigned(10));
+    EXPECT_EQ(decimals, Number::fromUnsigned(2));
+}
+
 TEST(VNDataType, ExtendedDataTypeNameLowerCasesTypPrefixedNamesOnly) {
     EXPECT_EQ(ExtendedDataTypeName("typ/HttpClient", std::nullopt), "httpclient");
     EXPECT_EQ(ExtendedDataTypeName("TYP/\xC3\x84Rger", "x"),

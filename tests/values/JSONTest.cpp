@@ -212,6 +212,36 @@ Value randomJSONValue(std::mt19937_64& random, int depth) {
     }
 }
 
+// The JSON text a container beyond the generator's depth is carried as: exactly what the
+// generator writes for it on its own, and complete however deep it goes, so that deep values
+// are written in time and space proportional to their size (each text escaped at most twice).
+TEST(JSON, ContainersBeyondTheDepthLimitAreCarriedAsTheirCompleteJSON) {
+    std::mt19937_64 random(11);
+    const Value extras = Value::Array{Value(Data{0xAB}),
+                                      Value(Date{0}),
+                                      Value(1.5f),
+                                      Value(std::numeric_limits<double>::infinity()),
+                                      Value(Decimal::notANumber()),
+                                      Value(Decimal::parse("-1e-5").value()),
+                                      Value(),
+                                      Value(std::string("\x7F\x1F\b\f\r\xFF", 6))};
+    for (int round = 0; round < 300; ++round) {
+        const Value inner =
+            round == 0 ? extras : Value(Value::Array{randomJSONValue(random, 0), extras});
+        const Value reread = jsonObject(jsonString(testing::nested(inner, 127, false)));
+        const Value* carried = &reread;
+        for (int level = 0; level < 127 && carried->isArray(); ++level)
+            carried = &carried->array()->front();
+        ASSERT_TRUE(carried->isString()) << round;
+        EXPECT_EQ(*carried->string(), jsonString(inner)) << round;
+    }
+
+    const int depth = 20000;
+    const std::string written = jsonString(testing::nested(Value("x"), depth, false));
+    EXPECT_EQ(written, std::string(127, '[') + "\"" + std::string(depth - 127, '[') + "\\\"x\\\"" +
+                           std::string(depth - 127, ']') + "\"" + std::string(127, ']'));
+}
+
 TEST(JSON, WrittenTextDecodesToAnEqualValue) {
     std::mt19937_64 random(42);
     for (int i = 0; i < 2000; ++i) {

@@ -11,6 +11,7 @@
 // a time; the cached formatters are per thread for this reason.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -55,6 +56,16 @@ class DateFormatter : public Object {
     Style timeStyle() const;
     void setTimeStyle(Style style);
 
+    // The longest pattern (in UTF-8 bytes) the formatter reads. ICU reads a run of adjacent
+    // numeric fields in time that grows with the square of the pattern's length, so a longer
+    // pattern is treated as one ICU cannot read: it formats every instant as "" and reads no
+    // text. dateFormat() still answers the pattern as it was set.
+    static constexpr std::size_t kMaximumPatternLength = 512;
+    // The longest text (in UTF-8 bytes) dateFromString reads; a longer text reads as no date.
+    // It is far above what any pattern within kMaximumPatternLength writes, and keeps ICU's
+    // reading of digit runs (quadratic in their length) short.
+    static constexpr std::size_t kMaximumTextLength = 32768;
+
     // The pattern in use: the one set last, or the one the styles make.
     std::string dateFormat() const;
     void setDateFormat(std::string_view pattern);
@@ -67,8 +78,8 @@ class DateFormatter : public Object {
     void setTimeZone(const TimeZone& zone);
 
     [[nodiscard]] std::string stringFromDate(const Date& date) const;
-    // Reads the whole text by the pattern (not leniently); absent when it does not match or
-    // when text is left over.
+    // Reads the whole text by the pattern (not leniently); absent when it does not match,
+    // when text is left over, or when it is longer than kMaximumTextLength.
     [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
 
     std::string description() const override;

@@ -13,6 +13,7 @@
 // formatter with another thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -56,10 +57,20 @@ class NumberFormatter : public Object {
     Style numberStyle() const;
     void setNumberStyle(Style style);
 
+    // The longest pattern (in UTF-8 bytes) the formatter reads. ICU compiles digit runs in
+    // time that grows with the square of their length and shows at most 999 digits anyway, so
+    // a longer pattern is refused like any other pattern the formatter cannot read.
+    static constexpr std::size_t kMaximumPatternLength = 1024;
+    // The longest text (in UTF-8 bytes) numberFromString reads; a longer text reads as no
+    // number. It is well above what any pattern within kMaximumPatternLength writes, and
+    // keeps ICU's reading (quadratic in the length of a digit run) short.
+    static constexpr std::size_t kMaximumTextLength = 4096;
+
     // The pattern for positive numbers; negative numbers use it with the negative affixes.
     // Setting it clears the affixes and digit limits set before (the pattern defines them).
-    // A pattern the formatter cannot read changes nothing. A mandatory digit to the left of
-    // optional ones ("0##", "#.#0") is read as forcing those positions too.
+    // A pattern the formatter cannot read (also one longer than kMaximumPatternLength)
+    // changes nothing. A mandatory digit to the left of optional ones ("0##", "#.#0") is read
+    // as forcing those positions too.
     std::string positiveFormat() const;
     void setPositiveFormat(std::string_view pattern);
 
@@ -98,7 +109,8 @@ class NumberFormatter : public Object {
     // The number as text; never fails (NaN gives "NaN", infinities "∞" with their sign).
     [[nodiscard]] virtual std::string stringFromNumber(const Number& number) const;
     // Reads the whole text as a number: absent when the text (apart from its affixes) is not
-    // a number in this formatter's pattern and locale, or when text is left over. The result
+    // a number in this formatter's pattern and locale, when text is left over, or when the
+    // text is longer than kMaximumTextLength (the zero symbol is always read). The result
     // is a decimal number when generatesDecimalNumbers is set, else an integer when the value
     // is integral, else a double.
     [[nodiscard]] virtual std::optional<Number> numberFromString(std::string_view text) const;
@@ -117,15 +129,18 @@ class NumberFormatter : public Object {
 
     // The formatter for a model picture ("ZZZ,ZZ9.99", "(ZZ9.99)", "+ZZ9", "ZZ9.99DB",
     // "999-9999"): a platform formatter, or a VNNumberWithPictureFormatter when the picture
-    // has literal text between digit positions. numberHasDecimals says whether Z positions
-    // after the period become mandatory digits; it is not part of the cache key, so the first
-    // request for a picture decides it for the thread.
+    // has literal text between digit positions. A platform formatter whose translated
+    // pattern exceeds kMaximumPatternLength keeps the default pattern (style none) with the
+    // picture's affixes, as one with a pattern ICU cannot read does. numberHasDecimals says
+    // whether Z positions after the period become mandatory digits; it is not part of the
+    // cache key, so the first request for a picture decides it for the thread.
     // Key: "VNNSNumberFormatterWithVNPicture" + picture [+ "LocaleId" + identifier].
     static NumberFormatterPtr numberFormatterForVNPicture(
         std::string_view picture, const std::optional<std::string>& localeId,
         bool numberHasDecimals);
 
-    // A platform formatter for a pattern, optionally with a zero symbol.
+    // A platform formatter for a pattern, optionally with a zero symbol. A pattern it cannot
+    // read (also one longer than kMaximumPatternLength) leaves the default pattern (style none).
     // Keys: "VNNSNumberFormatterWithFormat" + pattern [+ "LocaleId" + identifier], and with a
     // zero symbol "VNNSNumberFormatterWith0Symbol" + symbol + "Format" + pattern
     // [+ "LocaleId" + identifier].

@@ -40,7 +40,8 @@ enum class JSONWritingStyle : std::uint8_t {
 // non-finite numbers (NaN, infinities, the decimal NaN) as null; data, dates and objects as the
 // string of their standard description; invalid UTF-8 in texts and keys as U+FFFD. Containers
 // nested beyond the generator's depth limit (127 levels) are written as a string holding their
-// own compact JSON.
+// own complete compact JSON (however deep they go: no strings within strings), so the text
+// grows in proportion to the value whatever its depth.
 [[nodiscard]] std::string jsonString(const Value& value,
                                      JSONWritingStyle style = JSONWritingStyle::compact);
 

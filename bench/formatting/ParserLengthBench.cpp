@@ -1,0 +1,129 @@
+// How the number and date parsers scale with the length of what they are given: model pictures
+// and number patterns (each request a cache miss, so the picture is translated and compiled),
+// number texts, date patterns and date texts, from 1 KiB to 1 MiB. Inputs beyond the documented
+// maximum lengths are refused early, so the fitted complexity is at most linear.
+#include <benchmark/benchmark.h>
+
+#include <optional>
+#include <string>
+
+#include "vn/formatting/DateFormatter.h"
+#include "vn/formatting/NumberFormatter.h"
+#include "vn/platform/Thread.h"
+
+namespace {
+
+const std::optional<std::string> kLocale = std::string("en_US");
+
+std::string repeated(std::string_view unit, std::size_t length) {
+    std::string text;
+    text.reserve(length + unit.size());
+    while (text.size() < length) text.append(unit);
+    text.resize(length);
+    return text;
+}
+
+std::size_t lengthOf(const benchmark::State& state) {
+    return static_cast<std::size_t>(state.range(0));
+}
+
+void finish(benchmark::State& state) {
+    state.SetComplexityN(state.range(0));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
+}
+
+// A picture of nines: translated, compiled by ICU, used to format and to read a digit run.
+void BM_PictureOfNines(benchmark::State& state) {
+    const std::string picture = repeated("9", lengthOf(state));
+    const std::string key = "VNNSNumberFormatterWithVNPicture" + picture + "LocaleId" + *kLocale;
+    for (auto _ : state) {
+        vn::Thread::threadDictionary().erase(key);
+        auto formatter = vn::NumberFormatter::numberFormatterForVNPicture(picture, kLocale, true);
+        benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(std::int64_t{12345})));
+        benchmark::DoNotOptimize(formatter->numberFromString(picture));
+    }
+    finish(state);
+}
+BENCHMARK(BM_PictureOfNines)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+// A picture with literal text between positions, which makes a mask formatter.
+void BM_MaskPicture(benchmark::State& state) {
+    const std::string picture = repeated("999-", lengthOf(state));
+    const std::string key = "VNNSNumberFormatterWithVNPicture" + picture + "LocaleId" + *kLocale;
+    for (auto _ : state) {
+        vn::Thread::threadDictionary().erase(key);
+        auto formatter = vn::NumberFormatter::numberFormatterForVNPicture(picture, kLocale, true);
+        benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(std::int64_t{12345})));
+    }
+    finish(state);
+}
+BENCHMARK(BM_MaskPicture)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
+
+// A number pattern of nines (an ICU rounding increment) and a fraction of nines.
+void BM_NumberPatternOfNines(benchmark::State& state) {
+    const std::string pattern = "0." + repeated("9", lengthOf(state));
+    const std::string key = "VNNSNumberFormatterWithFormat" + pattern + "LocaleId" + *kLocale;
+    for (auto _ : state) {
+        vn::Thread::threadDictionary().erase(key);
+        auto formatter = vn::NumberFormatter::numberFormatterForNumberFormat(pattern, kLocale);
+        benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(1.5)));
+    }
+    finish(state);
+}
+BENCHMARK(BM_NumberPatternOfNines)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+// Reading a long digit run with an ordinary pattern.
+void BM_NumberTextOfNines(benchmark::State& state) {
+    const std::string text = repeated("9", lengthOf(state));
+    const auto formatter = vn::NumberFormatter::numberFormatterForNumberFormat("#,##0.00", kLocale);
+    for (auto _ : state) benchmark::DoNotOptimize(formatter->numberFromString(text));
+    finish(state);
+}
+BENCHMARK(BM_NumberTextOfNines)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+// A date pattern of adjacent numeric fields, formatting an instant and reading it back.
+void BM_DatePatternOfAdjacentFields(benchmark::State& state) {
+    const std::string pattern = repeated("HHmm", lengthOf(state));
+    const std::string key = "VNNSDateFormatterWithFormat" + pattern;
+    const vn::Date instant = vn::Date::fromTimeIntervalSince1970(3600);
+    for (auto _ : state) {
+        vn::Thread::threadDictionary().erase(key);
+        auto formatter =
+            vn::DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                pattern);
+        const std::string text = formatter->stringFromDate(instant);
+        benchmark::DoNotOptimize(formatter->dateFromString(text));
+    }
+    finish(state);
+}
+BENCHMARK(BM_DatePatternOfAdjacentFields)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+// Reading a long digit run as a date.
+void BM_DateTextOfNines(benchmark::State& state) {
+    const std::string text = repeated("9", lengthOf(state));
+    const auto formatter =
+        vn::DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+            "yyyy-MM-dd");
+    for (auto _ : state) benchmark::DoNotOptimize(formatter->dateFromString(text));
+    finish(state);
+}
+BENCHMARK(BM_DateTextOfNines)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,60 @@
+// How reading a data-type name scales with the name's length, for ASCII, accented and malformed
+// names, with and without a size suffix, from 1 KiB to 1 MiB.
+#include <benchmark/benchmark.h>
+
+#include <optional>
+#include <string>
+
+#include "vn/model/VNDataType.h"
+
+namespace {
+
+std::string repeated(std::string_view unit, std::size_t length) {
+    std::string text;
+    text.reserve(length + unit.size());
+    while (text.size() < length) text.append(unit);
+    text.resize(length);
+    return text;
+}
+
+void readName(benchmark::State& state, std::string_view unit, std::string_view suffix) {
+    const vn::Value name(repeated(unit, static_cast<std::size_t>(state.range(0))) +
+                         std::string(suffix));
+    const vn::Value extended("x");
+    std::optional<vn::Number> length;
+    std::optional<vn::Number> decimals;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            vn::VNDataTypeWithInfoFromString(name, extended, &length, &decimals));
+    }
+    state.SetComplexityN(state.range(0));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
+}
+
+void BM_AsciiName(benchmark::State& state) {
+    readName(state, "numericx", "");
+}
+void BM_AccentedNameWithSize(benchmark::State& state) {
+    readName(state, "\xC3\xA9", "(10,2)");
+}
+void BM_MalformedName(benchmark::State& state) {
+    readName(state, "\xFF", "");
+}
+void BM_TypPrefixedAccentedName(benchmark::State& state) {
+    readName(state, "typ/\xC3\x9F", "");
+}
+
+BENCHMARK(BM_AsciiName)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
+BENCHMARK(BM_AccentedNameWithSize)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+BENCHMARK(BM_MalformedName)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
+BENCHMARK(BM_TypPrefixedAccentedName)
+    ->RangeMultiplier(8)
+    ->Range(1 << 10, 1 << 20)
+    ->Complexity(benchmark::oN);
+
+}  // namespace
+
+BENCHMARK_MAIN();
