@@ -149,6 +149,16 @@ TEST(VNPicture, QuotesSpecialLiteralsButNeverTheDigitNine) {
     EXPECT_EQ(dynamic_cast<const VNNumberWithPictureFormatter&>(*quote).vnNumberFormat(), "#''#");
 }
 
+TEST(VNPicture, LiteralsThatIcuReadsAsSignsStayLiteral) {
+    const auto approximately =
+        NumberFormatter::numberFormatterForVNPicture("~ZZ9~", "en_US", false);
+    EXPECT_EQ(approximately->stringFromNumber(Number(5)), "~5~");
+    EXPECT_EQ(approximately->stringFromNumber(Number(-5)), "~-5~");
+    EXPECT_EQ(approximately->numberFromString("~5~"), Number(5));
+    EXPECT_EQ(approximately->numberFromString("~-5~"), Number(-5));
+    EXPECT_EQ(approximately->numberFromString("5"), std::nullopt);
+}
+
 TEST(VNPicture, PeriodWithoutDecimalsKeepsLaterPositionsOptional) {
     EXPECT_EQ(
         NumberFormatter::numberFormatterForVNPicture("ZZ9.ZZ", "it_IT", false)->positiveFormat(),
@@ -229,9 +239,9 @@ TEST(VNPicture, LocaleChangeClearsOnlyTheMainThreadsFormatterCaches) {
 
 TEST(VNPicture, ArbitraryPicturesNeverCrash) {
     const std::vector<std::string> alphabet = {
-        "Z", "9", ".", ",",  "(",    ")",    "+", "D", "B",  "C",  "R", "'",
-        "#", "%", "E", ";",  "@",    "*",    "0", "1", "8",  "-",  "/", " ",
-        "¤", "‰", "ü", "日", "\xff", "\xc3", "z", "e", "\"", "\\", "$", "\t"};
+        "Z", "9",  ".",    ",",    "(", ")", "+",  "D",  "B", "C",  "R", "'", "#",
+        "%", "E",  ";",    "@",    "*", "0", "1",  "8",  "-", "/",  " ", "¤", "‰",
+        "ü", "日", "\xff", "\xc3", "z", "e", "\"", "\\", "$", "\t", "~"};
     const std::vector<std::optional<std::string>> locales = {
         std::nullopt, "en_US", "de_DE", "fr_FR", "es_UY", "en_US_POSIX", "xx_YY"};
     const std::vector<Number> numbers = {

@@ -13,6 +13,7 @@
 // formatter with another thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -59,12 +60,14 @@ class NumberFormatter : public Object {
     // The pattern for positive numbers; negative numbers use it with the negative affixes.
     // Setting it clears the affixes and digit limits set before (the pattern defines them).
     // A pattern the formatter cannot read changes nothing. A mandatory digit to the left of
-    // optional ones ("0##", "#.#0") is read as forcing those positions too.
+    // optional ones ("0##", "#.#0") is read as forcing those positions too. "~" is literal
+    // text, quoted or not.
     std::string positiveFormat() const;
     void setPositiveFormat(std::string_view pattern);
 
     // Literal texts around the digits; by default those the pattern gives (negative prefix
-    // "-" when the pattern has no negative part).
+    // "-" when the pattern has no negative part). Every character is shown and read as
+    // written, also those that patterns give a meaning ("-", "+", "%", "‰", "¤", "~", "'").
     std::string positivePrefix() const;
     void setPositivePrefix(std::string_view prefix);
     std::string positiveSuffix() const;
@@ -152,6 +155,7 @@ class NumberFormatter : public Object {
   private:
     struct State;
     void rebuild();
+    void setAffix(std::size_t which);
 
     std::unique_ptr<State> state_;
 };
