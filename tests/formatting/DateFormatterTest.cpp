@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <thread>
+#include <vector>
 
 #include "vn/formatting/DateVN.h"
 #include "vn/platform/Thread.h"
@@ -26,6 +29,70 @@ TEST(DateFormatter, PatternsFormatAndReadBackInTheirZone) {
     EXPECT_EQ(formatter.dateFromString("2020-03-01 07:20:30.250 trailing"), std::nullopt);
     EXPECT_EQ(formatter.dateFromString("2020-02-30 07:20:30.000"), std::nullopt);  // not lenient
     EXPECT_EQ(formatter.dateFromString(""), std::nullopt);
+}
+
+TEST(DateFormatter, LongFractionsAndWidePatternsNeverReachIcu) {
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    formatter.setTimeZone(TimeZone::gmt());
+    formatter.setDateFormat("yyyy-MM-dd'T'HH:mm:ss.SSS");
+    const std::string prefix = "2020-03-01T10:20:30.";
+    EXPECT_EQ(formatter.dateFromString(prefix + "250"), kInstant);
+    EXPECT_EQ(formatter.dateFromString(prefix + std::string(35, '1')), std::nullopt);
+    EXPECT_EQ(formatter.dateFromString(prefix + std::string(33, '1')), std::nullopt);
+    std::string arabicIndic;  // digits of another script, and digits split by a direction mark
+    for (int i = 0; i < 40; ++i) arabicIndic += "\u0661";
+    EXPECT_EQ(formatter.dateFromString(prefix + arabicIndic), std::nullopt);
+    EXPECT_EQ(
+        formatter.dateFromString(prefix + std::string(20, '1') + "\u200E" + std::string(20, '1')),
+        std::nullopt);
+
+    // A pattern whose own literal digits make its output one long run reads nothing back.
+    formatter.setDateFormat("SSSSSSSSSSSSS1e2147483648SSSyyyS");
+    EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(kInstant)), std::nullopt);
+
+    // Fields wider than the limit make the pattern unreadable; at the limit they work.
+    formatter.setDateFormat(std::string(DateFormatter::kMaximumFieldWidth, 'y'));
+    EXPECT_TRUE(formatter.stringFromDate(kInstant).ends_with("2020"));
+    formatter.setDateFormat(std::string(DateFormatter::kMaximumFieldWidth + 1, 'S'));
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "");
+    EXPECT_EQ(formatter.dateFromString("2020"), std::nullopt);
+    formatter.setDateFormat("'" + std::string(100, 'S') + "' yyyy");  // quoted: literal text
+    EXPECT_EQ(formatter.stringFromDate(kInstant), std::string(100, 'S') + " 2020");
+
+    // A year read that no calendar can show is no date.
+    formatter.setDateFormat("yyyyyyyy");
+    EXPECT_EQ(formatter.dateFromString("99999999"), std::nullopt);
+}
+
+TEST(DateFormatter, DatesThatAreNotRepresentableShowAsTheEmptyText) {
+    const std::vector<Date> unrepresentable = {
+        Date{std::nan("")}, Date{std::numeric_limits<double>::infinity()},
+        Date{-std::numeric_limits<double>::infinity()},
+        Date::fromTimeIntervalSince1970(Date::kRepresentableSecondsFrom1970 * 1.01),
+        Date::fromTimeIntervalSince1970(-Date::kRepresentableSecondsFrom1970 * 1.01)};
+    const auto posix =
+        DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+            "yyyy-MM-dd'T'HH:mm:ss");
+    const auto styled = DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
+        DateFormatter::Style::fullStyle, DateFormatter::Style::fullStyle, true, "en_US", false);
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    for (const Date& date : unrepresentable) {
+        SCOPED_TRACE(date.timeIntervalSinceReferenceDate);
+        EXPECT_EQ(posix->stringFromDate(date), "");
+        EXPECT_EQ(styled->stringFromDate(date), "");
+        EXPECT_EQ(DateVN::json(date), "");
+        EXPECT_EQ(date.description(), "");
+        // Every pattern letter, the day periods among them (ICU's crashed on NaN).
+        for (char letter = 'A'; letter <= 'z'; ++letter) {
+            formatter.setDateFormat(std::string(4, letter));
+            EXPECT_EQ(formatter.stringFromDate(date), "");
+        }
+    }
+    const Date edge = Date::fromTimeIntervalSince1970(Date::kRepresentableSecondsFrom1970);
+    EXPECT_TRUE(edge.isRepresentable());
+    EXPECT_EQ(posix->stringFromDate(edge), "3170843-11-07T09:46:40");
 }
 
 TEST(DateFormatter, YearOneFormatsAndReadsBackAsTheEmptyDate) {

@@ -153,6 +153,9 @@ TEST(JSON, WritesNumbersWithTheirShortestExactDigits) {
 TEST(JSON, WritesWhatJSONCannotHoldAsText) {
     EXPECT_EQ(jsonString(Value(Data{0xAB})), R"("{length = 1, bytes = 0xab}")");
     EXPECT_EQ(jsonString(Value(Date{0})), R"("2001-01-01 00:00:00 +0000")");
+    EXPECT_EQ(jsonString(Value(Date{std::nan("")})), R"("")");  // not representable
+    EXPECT_EQ(jsonString(Value(Date{-std::numeric_limits<double>::infinity()})), R"("")");
+    EXPECT_EQ(jsonString(Value(Date{2e14})), R"("")");
     EXPECT_EQ(jsonString(Value(Value::Dictionary{{"\xFF", "a\xC3"}})),
               "{\"\xEF\xBF\xBD\":\"a\xEF\xBF\xBD\"}");
     const std::string deep = jsonString(testing::nested(Value(1), 200, false));

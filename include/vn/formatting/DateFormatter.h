@@ -11,6 +11,7 @@
 // a time; the cached formatters are per thread for this reason.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -55,9 +56,12 @@ class DateFormatter : public Object {
     Style timeStyle() const;
     void setTimeStyle(Style style);
 
-    // The pattern in use: the one set last, or the one the styles make.
+    // The pattern in use: the one set last, or the one the styles make. A pattern that cannot
+    // be read, or that has a field (a run of one unquoted letter) wider than
+    // kMaximumFieldWidth, formats every date as "" and reads no text, as the empty pattern.
     std::string dateFormat() const;
     void setDateFormat(std::string_view pattern);
+    static constexpr std::size_t kMaximumFieldWidth = 32;
 
     // The calendar fields are taken from; by default the locale's calendar. The formatter's
     // own time zone applies, whatever the calendar's zone.
@@ -66,10 +70,14 @@ class DateFormatter : public Object {
     TimeZone timeZone() const;
     void setTimeZone(const TimeZone& zone);
 
+    // "" for a date that is not representable (see Date::isRepresentable).
     [[nodiscard]] std::string stringFromDate(const Date& date) const;
-    // Reads the whole text by the pattern (not leniently); absent when it does not match or
-    // when text is left over.
+    // Reads the whole text by the pattern (not leniently); absent when it does not match, when
+    // text is left over, or when the date read is not representable. With fractional seconds
+    // ("S") in the pattern, a text with more than kMaximumDigitRun digits in a row is refused
+    // (absent) before it is read: the ICU in use cannot read longer fractions safely.
     [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
+    static constexpr std::size_t kMaximumDigitRun = 32;
 
     std::string description() const override;
 
