@@ -3,6 +3,9 @@
 #include <unicode/regex.h>
 #include <unicode/utext.h>
 
+#include <algorithm>
+#include <cstdint>
+
 #include "formatting/IcuSupport.h"
 
 namespace vn {
@@ -59,16 +62,29 @@ std::string escaped(std::string_view text, std::string_view specials) {
     return result;
 }
 
+// ICU counts a matcher's time over everything it does until it is reset, so the limit covers
+// a whole operation and grows with the text: a scan through a long text takes steps in
+// proportion to its length, a runaway backtrack takes them without end.
+void limitMatching(icu::RegexMatcher& matcher, std::size_t textLength) {
+    const std::size_t limit = RegularExpression::kMatchTimeLimit +
+                              textLength / RegularExpression::kMatchTimeLimitBytesPerUnit;
+    UErrorCode status = U_ZERO_ERROR;
+    matcher.setTimeLimit(static_cast<int32_t>(std::min<std::size_t>(limit, INT32_MAX)), status);
+    matcher.setStackLimit(RegularExpression::kMatchStackLimit, status);
+}
+
 }  // namespace
 
 struct RegularExpression::Impl {
     std::unique_ptr<icu::RegexPattern> pattern;
 
-    std::unique_ptr<icu::RegexMatcher> matcherFor(const Utf8Text& text) const {
+    std::unique_ptr<icu::RegexMatcher> matcherFor(const Utf8Text& text,
+                                                  std::size_t textLength) const {
         UErrorCode status = U_ZERO_ERROR;
         std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
         if (U_FAILURE(status) || !matcher) return nullptr;
         matcher->reset(text.get());
+        limitMatching(*matcher, textLength);
         return matcher;
     }
 };
@@ -102,14 +118,14 @@ RegularExpressionPtr RegularExpression::regularExpressionWithPattern(std::string
 
 std::size_t RegularExpression::numberOfCaptureGroups() const {
     const Utf8Text empty("");
-    const auto matcher = impl_->matcherFor(empty);
+    const auto matcher = impl_->matcherFor(empty, 0);
     return matcher ? static_cast<std::size_t>(matcher->groupCount()) : 0;
 }
 
 std::vector<RegularExpression::Match> RegularExpression::matches(std::string_view text) const {
     std::vector<Match> result;
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     if (!matcher) return result;
     UErrorCode status = U_ZERO_ERROR;
     while (matcher->find(status) && U_SUCCESS(status)) {
@@ -119,12 +135,13 @@ std::vector<RegularExpression::Match> RegularExpression::matches(std::string_vie
         match.range = match.groups.front().value_or(StringRange{});
         result.push_back(std::move(match));
     }
+    if (U_FAILURE(status)) result.clear();  // a search cut short is no result, not a partial one
     return result;
 }
 
 std::optional<RegularExpression::Match> RegularExpression::firstMatch(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     UErrorCode status = U_ZERO_ERROR;
     if (!matcher || !matcher->find(status) || U_FAILURE(status)) return std::nullopt;
     Match match;
@@ -136,19 +153,19 @@ std::optional<RegularExpression::Match> RegularExpression::firstMatch(std::strin
 
 std::size_t RegularExpression::numberOfMatches(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     if (!matcher) return 0;
     std::size_t count = 0;
     UErrorCode status = U_ZERO_ERROR;
     while (matcher->find(status) && U_SUCCESS(status)) ++count;
-    return count;
+    return U_FAILURE(status) ? 0 : count;
 }
 
 bool RegularExpression::matchesEntirely(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     UErrorCode status = U_ZERO_ERROR;
-    return matcher && matcher->matches(status) && U_SUCCESS(status);
+    return matcher && matcher->matches(status) && !U_FAILURE(status);
 }
 
 std::string RegularExpression::stringByReplacingMatches(
@@ -157,8 +174,10 @@ std::string RegularExpression::stringByReplacingMatches(
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(impl_->pattern->matcher(input, status));
     if (U_FAILURE(status) || !matcher) return std::string(text);
+    limitMatching(*matcher, text.size());
     const icu::UnicodeString replaced = matcher->replaceAll(toUnicode(replacementTemplate), status);
-    // A template that refers to a group the pattern does not have replaces nothing.
+    // A template that refers to a group the pattern does not have replaces nothing, and so
+    // does a replacement that reaches a matching limit.
     if (U_FAILURE(status)) return std::string(text);
     return toUtf8(replaced);
 }
