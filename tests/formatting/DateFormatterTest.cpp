@@ -165,6 +165,29 @@ TEST(DateFormatter, PosixFormattersAreCachedPerThreadAndPattern) {
     EXPECT_EQ(there->stringFromDate(kInstant), "2020/03/01");
 }
 
+TEST(DateFormatter, EachThreadKeepsABoundedNumberOfFormatters) {
+    constexpr std::size_t capacity = DateFormatter::kCachedFormattersPerThread;
+    std::thread([&] {
+        const auto first =
+            DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                "'0' yyyy");
+        for (std::size_t i = 1; i <= 2 * capacity; ++i) {
+            const std::string pattern = "'" + std::to_string(i) + "' yyyy";
+            const auto formatter =
+                DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                    pattern);
+            EXPECT_EQ(formatter->stringFromDate(kInstant), std::to_string(i) + " 2020");
+        }
+        std::size_t cached = 0;
+        for (const auto& [key, value] : Thread::threadDictionary())
+            cached += key.starts_with("VNNSDateFormatter") ? 1 : 0;
+        EXPECT_EQ(cached, capacity);
+        EXPECT_NE(DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                      "'0' yyyy"),
+                  first);  // the least recently used went first
+    }).join();
+}
+
 TEST(DateFormatter, ShortModelFormatsAndStyleMappings) {
     const std::pair<const char*, const char*> formats[] = {
         {"ANSI", "yyyy/MM/dd"}, {"YMD", "yy/MM/dd"},    {"MDY", "MM/dd/yy"},    {"DMY", "dd/MM/yy"},

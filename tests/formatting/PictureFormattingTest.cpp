@@ -201,6 +201,37 @@ TEST(VNPicture, FormattersAreNeverSharedBetweenThreads) {
     EXPECT_EQ(there, thereAgain);
 }
 
+std::size_t cachedCount(std::string_view prefix) {
+    std::size_t count = 0;
+    for (const auto& [key, value] : Thread::threadDictionary())
+        count += std::string_view(key).starts_with(prefix) ? 1 : 0;
+    return count;
+}
+
+TEST(VNPicture, EachThreadKeepsABoundedNumberOfFormattersLeastRecentlyUsedOut) {
+    constexpr std::size_t capacity = NumberFormatter::kCachedFormattersPerThread;
+    std::thread([&] {
+        const auto kept = NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false);
+        const auto dropped = NumberFormatter::numberFormatterForNumberFormat("0.0", "en_US");
+        for (std::size_t i = 0; i < 3 * capacity; ++i) {
+            const std::string picture = "ZZ" + std::to_string(i) + "9";
+            NumberFormatter::numberFormatterForVNPicture(picture, "en_US", false);
+            // Requested all along, "ZZ9" stays the most recently used.
+            EXPECT_EQ(NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false), kept);
+            EXPECT_LE(cachedCount("VNNSNumberFormatter"), capacity);
+        }
+        EXPECT_EQ(cachedCount("VNNSNumberFormatter"), capacity);
+        EXPECT_EQ(Thread::threadDictionary().count("VNNSNumberFormatterWithFormat0.0LocaleIden_US"),
+                  0u);
+        EXPECT_NE(NumberFormatter::numberFormatterForNumberFormat("0.0", "en_US"), dropped);
+        EXPECT_EQ(cachedCount("VNNSNumberFormatter"), capacity);
+        // Date formatters are a family of their own.
+        DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat("yyyy");
+        EXPECT_EQ(cachedCount("VNNSNumberFormatter"), capacity);
+        EXPECT_EQ(cachedCount("VNNSDateFormatter"), 1u);
+    }).join();
+}
+
 TEST(VNPicture, LocaleChangeClearsOnlyTheMainThreadsFormatterCaches) {
     ASSERT_TRUE(Thread::isMainThread());
     const testing::ScopedProcessState state;
