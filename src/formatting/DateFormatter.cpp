@@ -3,8 +3,11 @@
 #include <unicode/datefmt.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/uchar.h>
+#include <unicode/uloc.h>
+#include <unicode/ures.h>
 
 #include <algorithm>
+#include <string>
 
 #include "formatting/CalendarImpl.h"
 #include "formatting/IcuSupport.h"
@@ -84,13 +87,55 @@ bool hasOverlongDigitRun(const icu::UnicodeString& text) {
     return false;
 }
 
+// Whether ICU has flexible day periods ("in the evening") for the locale or one of its
+// parents, found as ICU's own lookup finds them.
+bool hasDayPeriodRules(const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUResourceBundlePointer data(ures_openDirect(nullptr, "dayPeriods", &status));
+    const icu::LocalUResourceBundlePointer locales(
+        ures_getByKey(data.getAlias(), "locales", nullptr, &status));
+    if (U_FAILURE(status)) return false;
+    std::string name = locale.getBaseName();
+    if (name.empty()) name = "root";
+    while (!name.empty()) {
+        UErrorCode lookup = U_ZERO_ERROR;
+        int32_t length = 0;
+        ures_getStringByKey(locales.getAlias(), name.c_str(), &length, &lookup);
+        if (U_SUCCESS(lookup)) return true;
+        char parent[ULOC_FULLNAME_CAPACITY] = {};
+        UErrorCode parentStatus = U_ZERO_ERROR;
+        uloc_getParent(name.c_str(), parent, sizeof parent, &parentStatus);
+        if (U_FAILURE(parentStatus)) return false;
+        name = parent;
+    }
+    return false;
+}
+
+// ICU shows the flexible day period "B" as the AM/PM marker "a" for a locale without day
+// periods, but reading it there dereferences missing rules and kills the process. Such a
+// pattern gets "a" in place of "B", which shows the same and reads safely.
+std::string withSafeDayPeriods(const std::string& pattern, const icu::Locale& locale) {
+    std::string result = pattern;
+    bool quoted = false;
+    bool replaced = false;
+    for (char& c : result) {
+        if (c == '\'') quoted = !quoted;
+        if (c == 'B' && !quoted) {
+            c = 'a';
+            replaced = true;
+        }
+    }
+    return replaced && !hasDayPeriodRules(locale) ? result : pattern;
+}
+
 // Every call gets a fresh status: a failed UErrorCode makes later ICU calls do nothing.
 std::unique_ptr<icu::SimpleDateFormat> makeSimpleDateFormat(const std::string& pattern,
                                                             const std::string& localeId) {
     const icu::Locale locale = icuLocale(localeId);
     UErrorCode status = U_ZERO_ERROR;
     if (patternFields(pattern).widest <= DateFormatter::kMaximumFieldWidth) {
-        auto format = std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern), locale, status);
+        auto format = std::make_unique<icu::SimpleDateFormat>(
+            toUnicode(withSafeDayPeriods(pattern, locale)), locale, status);
         if (U_SUCCESS(status)) return format;
     }
     // A pattern ICU cannot read formats as the empty text, as an empty pattern does.

@@ -65,6 +65,28 @@ TEST(DateFormatter, LongFractionsAndWidePatternsNeverReachIcu) {
     EXPECT_EQ(formatter.dateFromString("99999999"), std::nullopt);
 }
 
+TEST(DateFormatter, DayPeriodsAreReadSafelyInLocalesWithoutThem) {
+    const Date evening = Date::fromTimeIntervalSince1970(20 * 3600.0);
+    DateFormatter english;
+    english.setLocale(Locale("en_US"));
+    english.setTimeZone(TimeZone::gmt());
+    english.setDateFormat("BBBB");
+    EXPECT_EQ(english.stringFromDate(evening), "in the evening");
+
+    for (const char* unknown : {"xx_YY", "zz"}) {
+        DateFormatter formatter;
+        formatter.setLocale(Locale(unknown));
+        formatter.setTimeZone(TimeZone::gmt());
+        formatter.setDateFormat("h B");
+        EXPECT_EQ(formatter.stringFromDate(evening), "8 PM");  // as ICU shows it there
+        EXPECT_EQ(formatter.dateFromString("8 PM"), evening);
+        for (const char* text : {"8 in the evening", "8 at night", "8 in the morning"})
+            EXPECT_EQ(formatter.dateFromString(text), std::nullopt) << text;
+        formatter.setDateFormat("h 'B' B");  // quoted: literal text
+        EXPECT_EQ(formatter.stringFromDate(evening), "8 B PM");
+    }
+}
+
 TEST(DateFormatter, DatesThatAreNotRepresentableShowAsTheEmptyText) {
     const std::vector<Date> unrepresentable = {
         Date{std::nan("")}, Date{std::numeric_limits<double>::infinity()},

@@ -60,6 +60,9 @@ class DateFormatter : public Object {
     // The pattern in use: the one set last, or the one the styles make. A pattern that cannot
     // be read, or that has a field (a run of one unquoted letter) wider than
     // kMaximumFieldWidth, formats every date as "" and reads no text, as the empty pattern.
+    // In a locale without flexible day periods (an unknown one, such as "xx_YY") the day
+    // period "B" is shown and read as the AM/PM marker "a", as ICU shows it there; ICU's own
+    // reading of it in such a locale is not safe.
     std::string dateFormat() const;
     void setDateFormat(std::string_view pattern);
     static constexpr std::size_t kMaximumFieldWidth = 32;
