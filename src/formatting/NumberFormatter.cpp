@@ -370,7 +370,7 @@ void NumberFormatter::setPositiveFormat(std::string_view pattern) {
 }
 
 // A literal affix goes straight to ICU; one with an approximately sign needs the whole format
-// rebuilt (see setAffixes).
+// rebuilt (see patternQuotingAffixes).
 void NumberFormatter::setAffix(std::size_t which) {
     const std::string& text = *state_->affixes[which];
     if (text.find('~') != std::string::npos) {
