@@ -3,10 +3,8 @@
 #include <unicode/regex.h>
 #include <unicode/utext.h>
 
-#include <algorithm>
-#include <cstdint>
-
 #include "formatting/IcuSupport.h"
+#include "platform/internal/RegexLimits.h"
 
 namespace vn {
 namespace {
@@ -62,16 +60,10 @@ std::string escaped(std::string_view text, std::string_view specials) {
     return result;
 }
 
-// ICU counts a matcher's time over everything it does until it is reset, so the limit covers
-// a whole operation and grows with the text: a scan through a long text takes steps in
-// proportion to its length, a runaway backtrack takes them without end.
-void limitMatching(icu::RegexMatcher& matcher, std::size_t textLength) {
-    const std::size_t limit = RegularExpression::kMatchTimeLimit +
-                              textLength / RegularExpression::kMatchTimeLimitBytesPerUnit;
-    UErrorCode status = U_ZERO_ERROR;
-    matcher.setTimeLimit(static_cast<int32_t>(std::min<std::size_t>(limit, INT32_MAX)), status);
-    matcher.setStackLimit(RegularExpression::kMatchStackLimit, status);
-}
+static_assert(RegularExpression::kMatchTimeLimit == platform_internal::kRegexTimeLimit);
+static_assert(RegularExpression::kMatchTimeLimitBytesPerUnit ==
+              platform_internal::kRegexTimeLimitBytesPerUnit);
+static_assert(RegularExpression::kMatchStackLimit == platform_internal::kRegexStackLimit);
 
 }  // namespace
 
@@ -84,7 +76,7 @@ struct RegularExpression::Impl {
         std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
         if (U_FAILURE(status) || !matcher) return nullptr;
         matcher->reset(text.get());
-        limitMatching(*matcher, textLength);
+        platform_internal::limitRegexMatching(*matcher, textLength);
         return matcher;
     }
 };
@@ -174,12 +166,12 @@ std::string RegularExpression::stringByReplacingMatches(
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(impl_->pattern->matcher(input, status));
     if (U_FAILURE(status) || !matcher) return std::string(text);
-    limitMatching(*matcher, text.size());
-    const icu::UnicodeString replaced = matcher->replaceAll(toUnicode(replacementTemplate), status);
+    platform_internal::limitRegexMatching(*matcher, text.size());
     // A template that refers to a group the pattern does not have replaces nothing, and so
     // does a replacement that reaches a matching limit.
-    if (U_FAILURE(status)) return std::string(text);
-    return toUtf8(replaced);
+    const std::optional<icu::UnicodeString> replaced =
+        platform_internal::replacingAllMatches(*matcher, toUnicode(replacementTemplate));
+    return replaced ? toUtf8(*replaced) : std::string(text);
 }
 
 std::string RegularExpression::escapedPatternForString(std::string_view text) {

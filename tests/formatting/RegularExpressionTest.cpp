@@ -74,7 +74,10 @@ TEST(RegularExpression, RunawayMatchingFailsAsNoMatch) {
     }
     // A search that is cut short gives nothing rather than the matches found before it.
     const auto laterRunaway = RegularExpression::regularExpressionWithPattern("ok|(a|aa)+c");
-    EXPECT_TRUE(laterRunaway->matches("ok " + std::string(200, 'a') + "b").empty());
+    const std::string okThenRunaway = "ok " + std::string(200, 'a') + "b";
+    EXPECT_TRUE(laterRunaway->matches(okThenRunaway).empty());
+    EXPECT_EQ(laterRunaway->numberOfMatches(okThenRunaway), 0u);
+    EXPECT_EQ(laterRunaway->stringByReplacingMatches(okThenRunaway, "X"), okThenRunaway);
 
     // The limit grows with the text: a long scan with many matches completes.
     const std::string longText(4'000'000, 'a');
