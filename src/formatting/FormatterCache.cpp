@@ -31,8 +31,8 @@ class RecentKeys {
         order_.emplace_front(key);
         positions_.emplace(order_.front(), order_.begin());
         if (order_.size() <= kThreadCacheCapacity) return std::nullopt;
+        positions_.erase(std::string_view(order_.back()));  // before its string moves away
         std::string oldest = std::move(order_.back());
-        positions_.erase(oldest);
         order_.pop_back();
         return oldest;
     }
