@@ -11,6 +11,9 @@ namespace {
 
 using formatting_internal::threadCachedObject;
 
+static_assert(DateFormatter::kCachedFormattersPerThread ==
+              formatting_internal::kThreadCacheCapacity);
+
 formatting_internal::LocaleChangeCacheObserver& dateFormatterObserver() {
     static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSDateFormatter");  // process-wide, never destroyed
@@ -54,7 +57,7 @@ DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDa
     }
     if (hasMilliseconds) key.append("MS");
     if (useCurrentCalendar) key.append("CC");
-    return threadCachedObject<DateFormatter>(key, [&] {
+    return threadCachedObject<DateFormatter>(dateFormatterObserver(), key, [&] {
         auto formatter = std::make_shared<DateFormatter>();
         if (localeId) formatter->setLocale(Locale(*localeId));
         formatter->setDateStyle(dateStyle);
@@ -77,7 +80,7 @@ DateFormatterPtr DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX
     std::string& key =
         formatting_internal::beginKey(dateFormatterObserver(), "VNNSDateFormatterWithFormat");
     key.append(pattern);
-    return threadCachedObject<DateFormatter>(key, [&] {
+    return threadCachedObject<DateFormatter>(dateFormatterObserver(), key, [&] {
         auto formatter = std::make_shared<DateFormatter>();
         formatter->setLocale(Locale("en_US_POSIX"));
         formatter->setCalendar(Calendar::vn());

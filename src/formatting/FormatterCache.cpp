@@ -1,5 +1,10 @@
 #include "formatting/FormatterCache.h"
 
+#include <list>
+#include <map>
+#include <optional>
+#include <unordered_map>
+
 #include "vn/concurrency/DispatchQueue.h"
 #include "vn/platform/Locale.h"
 #include "vn/platform/NotificationCenter.h"
@@ -12,11 +17,55 @@ std::string& reusableKeyBuffer() {
     return buffer;
 }
 
+namespace {
+
+// One family's keys on one thread, most recently requested first.
+class RecentKeys {
+  public:
+    // Moves key to the front (adding it when new); answers the key pushed out beyond capacity.
+    std::optional<std::string> use(std::string_view key) {
+        if (const auto found = positions_.find(key); found != positions_.end()) {
+            order_.splice(order_.begin(), order_, found->second);
+            return std::nullopt;
+        }
+        order_.emplace_front(key);
+        positions_.emplace(order_.front(), order_.begin());
+        if (order_.size() <= kThreadCacheCapacity) return std::nullopt;
+        positions_.erase(std::string_view(order_.back()));  // before its string moves away
+        std::string oldest = std::move(order_.back());
+        order_.pop_back();
+        return oldest;
+    }
+
+    void clear() {
+        positions_.clear();
+        order_.clear();
+    }
+
+  private:
+    std::list<std::string> order_;
+    // Views of the strings in order_, whose nodes never move.
+    std::unordered_map<std::string_view, std::list<std::string>::iterator> positions_;
+};
+
+RecentKeys& recentKeysOf(std::string_view prefix) {
+    thread_local std::map<std::string_view, RecentKeys> families;  // prefixes are literals
+    return families[prefix];
+}
+
+}  // namespace
+
+void noteThreadCacheUse(std::string_view prefix, std::string_view key) {
+    if (const std::optional<std::string> evicted = recentKeysOf(prefix).use(key))
+        Thread::threadDictionary().erase(*evicted);
+}
+
 void removeThreadCachedObjects(std::string_view prefix) {
     Value::Dictionary& dictionary = Thread::threadDictionary();
     auto it = dictionary.lower_bound(prefix);
     while (it != dictionary.end() && std::string_view(it->first).starts_with(prefix))
         it = dictionary.erase(it);
+    recentKeysOf(prefix).clear();
 }
 
 void LocaleChangeCacheObserver::registerOnMainThreadOnce() {

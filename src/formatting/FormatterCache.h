@@ -2,11 +2,17 @@
 // string keys, and an observer registered once per process clears one family of keys from
 // the main thread's dictionary when the current locale changes.
 //
+// Each family keeps at most kThreadCacheCapacity formatters per thread: a thread that meets
+// ever new pictures or patterns would otherwise keep every formatter it ever made (several
+// kilobytes each). The family remembers the order in which its keys were last requested, and
+// a new entry beyond the capacity removes the least recently requested one.
+//
 // Keys are built in a reusable thread-local buffer and looked up without allocating, so a
-// cache hit costs one key build and one lookup.
+// cache hit costs one key build and two lookups (the entry and its place in the order).
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -20,15 +26,16 @@ namespace vn::formatting_internal {
 // The calling thread's key buffer, emptied; valid until the next call on this thread.
 std::string& reusableKeyBuffer();
 
-// The cached object of type T under key in the calling thread's dictionary; on a miss (or
-// when the entry holds something else) build() makes one, which is stored and returned.
-// key may be the reusable buffer: build must therefore not request cached formatters itself.
-template <typename T, typename Builder>
-std::shared_ptr<T> threadCachedObject(std::string_view key, Builder&& build) {
-    return threadDictionaryCachedObject<std::shared_ptr<T>>(key, std::forward<Builder>(build));
-}
+// How many formatters one family keeps per thread.
+inline constexpr std::size_t kThreadCacheCapacity = 256;
 
-// Removes every entry whose key begins with prefix from the calling thread's dictionary.
+// Records that key of the family with the given prefix was just requested on the calling
+// thread; when the family then holds more than kThreadCacheCapacity keys, removes the least
+// recently requested one from the thread's dictionary.
+void noteThreadCacheUse(std::string_view prefix, std::string_view key);
+
+// Removes every entry whose key begins with prefix from the calling thread's dictionary, and
+// forgets the family's order of use.
 void removeThreadCachedObjects(std::string_view prefix);
 
 // Called by every cached-formatter request: on the first one made on the main thread,
@@ -40,6 +47,8 @@ class LocaleChangeCacheObserver {
     explicit constexpr LocaleChangeCacheObserver(std::string_view prefix) : prefix_(prefix) {}
     void registerOnMainThreadOnce();
 
+    std::string_view prefix() const { return prefix_; }
+
   private:
     std::string_view prefix_;
     std::once_flag once_;
@@ -49,5 +58,18 @@ class LocaleChangeCacheObserver {
 // Starts a key in the thread's reusable buffer with head, after registering the family's
 // locale observer when due.
 std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head);
+
+// The cached object of type T under key in the calling thread's dictionary; on a miss (or
+// when the entry holds something else) build() makes one, which is stored and returned. The
+// family's capacity is kept. key may be the reusable buffer: build must therefore not request
+// cached formatters itself.
+template <typename T, typename Builder>
+std::shared_ptr<T> threadCachedObject(const LocaleChangeCacheObserver& family, std::string_view key,
+                                      Builder&& build) {
+    std::shared_ptr<T> object =
+        threadDictionaryCachedObject<std::shared_ptr<T>>(key, std::forward<Builder>(build));
+    noteThreadCacheUse(family.prefix(), key);
+    return object;
+}
 
 }  // namespace vn::formatting_internal

@@ -109,11 +109,106 @@ std::string icuReadablePattern(std::string_view pattern) {
     return result;
 }
 
+// ICU 72 reads an unquoted "~" as its approximately sign: it shows "≈" for it, and its parser
+// aborts the process on an affix that holds one. The library's patterns know no such sign, so
+// every unquoted "~" is handed over quoted, as the literal text it is.
+std::string quotingApproximatelySigns(std::string_view pattern) {
+    std::string result;
+    result.reserve(pattern.size());
+    bool quoted = false;
+    for (const char c : pattern) {
+        if (c == '\'') quoted = !quoted;
+        if (c == '~' && !quoted) {
+            result += "'~'";
+        } else {
+            result += c;
+        }
+    }
+    return result;
+}
+
 bool applyPattern(icu::DecimalFormat& format, std::string_view pattern) {
     if (pattern.size() > NumberFormatter::kMaximumPatternLength) return false;
     UErrorCode status = U_ZERO_ERROR;
-    format.applyPattern(toUnicode(icuReadablePattern(pattern)), status);
+    format.applyPattern(toUnicode(quotingApproximatelySigns(icuReadablePattern(pattern))), status);
     return U_SUCCESS(status);
+}
+
+using Affixes = std::array<std::optional<std::string>, kAffixCount>;
+
+bool hasApproximatelySign(const Affixes& affixes) {
+    return std::any_of(affixes.begin(), affixes.end(), [](const auto& affix) {
+        return affix && affix->find('~') != std::string::npos;
+    });
+}
+
+void setLiteralAffix(icu::DecimalFormat& format, std::size_t which,
+                     const icu::UnicodeString& text) {
+    switch (which) {
+        case kPositivePrefix:
+            format.setPositivePrefix(text);
+            break;
+        case kPositiveSuffix:
+            format.setPositiveSuffix(text);
+            break;
+        case kNegativePrefix:
+            format.setNegativePrefix(text);
+            break;
+        default:
+            format.setNegativeSuffix(text);
+            break;
+    }
+}
+
+// A noncharacter that occurs neither in the pattern nor in the affixes, nor among taken.
+UChar unusedNoncharacter(const icu::UnicodeString& pattern, const Affixes& affixes,
+                         const icu::UnicodeString& taken) {
+    for (UChar candidate = 0xFDD0; candidate < 0xFDEF; ++candidate) {
+        const icu::UnicodeString text(candidate);
+        bool used = pattern.indexOf(text) >= 0 || taken.indexOf(text) >= 0;
+        for (const auto& affix : affixes)
+            used = used || (affix && toUnicode(*affix).indexOf(text) >= 0);
+        if (!used) return candidate;
+    }
+    return 0xFDEF;
+}
+
+// The text quoted as one literal run of a pattern: "'" doubled inside "'...'".
+icu::UnicodeString quotedLiteral(const std::string& text) {
+    if (text.empty()) return {};
+    icu::UnicodeString quoted = toUnicode(text);
+    quoted.findAndReplace(icu::UnicodeString(u'\''), icu::UnicodeString(u"''"));
+    return icu::UnicodeString(u'\'') + quoted + icu::UnicodeString(u'\'');
+}
+
+void setAffixes(icu::DecimalFormat& format, const Affixes& affixes) {
+    for (std::size_t which = 0; which < kAffixCount; ++which) {
+        if (affixes[which]) setLiteralAffix(format, which, toUnicode(*affixes[which]));
+    }
+}
+
+// ICU quotes the characters of its affix syntax in a literal affix ("-", "+", "%", "‰", "¤",
+// "'"), but not the approximately sign (see quotingApproximatelySigns). Affixes holding one
+// reach ICU through a pattern instead: a copy of the format gets one stand-in character per
+// affix, ICU writes its pattern, and every stand-in in it becomes its affix, quoted whole.
+icu::UnicodeString patternQuotingAffixes(const icu::DecimalFormat& format, const Affixes& affixes) {
+    icu::UnicodeString pattern;
+    format.toPattern(pattern);
+    icu::UnicodeString standIns;
+    for (std::size_t which = 0; which < kAffixCount; ++which)
+        standIns.append(unusedNoncharacter(pattern, affixes, standIns));
+    std::unique_ptr<icu::DecimalFormat> copy(format.clone());
+    for (std::size_t which = 0; which < kAffixCount; ++which) {
+        if (affixes[which]) setLiteralAffix(*copy, which, icu::UnicodeString(standIns[which]));
+    }
+    copy->toPattern(pattern);
+    for (std::size_t which = 0; which < kAffixCount; ++which) {
+        if (affixes[which]) {
+            pattern.findAndReplace(icu::UnicodeString(standIns[which]),
+                                   quotedLiteral(*affixes[which]));
+        }
+    }
+    return pattern;
 }
 
 bool isZero(const Number& number) {
@@ -214,14 +309,15 @@ void NumberFormatter::rebuild() {
     State& s = *state_;
     auto format = makeDecimalFormat(s.localeId, s.style);
     if (s.pattern) applyPattern(*format, *s.pattern);
-    if (s.affixes[kPositivePrefix])
-        format->setPositivePrefix(toUnicode(*s.affixes[kPositivePrefix]));
-    if (s.affixes[kPositiveSuffix])
-        format->setPositiveSuffix(toUnicode(*s.affixes[kPositiveSuffix]));
-    if (s.affixes[kNegativePrefix])
-        format->setNegativePrefix(toUnicode(*s.affixes[kNegativePrefix]));
-    if (s.affixes[kNegativeSuffix])
-        format->setNegativeSuffix(toUnicode(*s.affixes[kNegativeSuffix]));
+    if (hasApproximatelySign(s.affixes)) {
+        // A literal affix outranks the pattern's in ICU, so the pattern goes to a fresh format.
+        const icu::UnicodeString pattern = patternQuotingAffixes(*format, s.affixes);
+        format = makeDecimalFormat(s.localeId, s.style);
+        UErrorCode status = U_ZERO_ERROR;
+        format->applyPattern(pattern, status);
+    } else {
+        setAffixes(*format, s.affixes);
+    }
     if (s.maximumIntegerDigits) format->setMaximumIntegerDigits(*s.maximumIntegerDigits);
     if (s.minimumIntegerDigits) format->setMinimumIntegerDigits(*s.minimumIntegerDigits);
     if (s.maximumFractionDigits) format->setMaximumFractionDigits(*s.maximumFractionDigits);
@@ -274,6 +370,17 @@ void NumberFormatter::setPositiveFormat(std::string_view pattern) {
     s.icu = std::move(trial);
 }
 
+// A literal affix goes straight to ICU; one with an approximately sign needs the whole format
+// rebuilt (see patternQuotingAffixes).
+void NumberFormatter::setAffix(std::size_t which) {
+    const std::string& text = *state_->affixes[which];
+    if (text.find('~') != std::string::npos) {
+        rebuild();
+        return;
+    }
+    setLiteralAffix(*state_->icu, which, toUnicode(text));
+}
+
 std::string NumberFormatter::positivePrefix() const {
     icu::UnicodeString text;
     return toUtf8(state_->icu->getPositivePrefix(text));
@@ -281,7 +388,7 @@ std::string NumberFormatter::positivePrefix() const {
 
 void NumberFormatter::setPositivePrefix(std::string_view prefix) {
     state_->affixes[kPositivePrefix] = std::string(prefix);
-    state_->icu->setPositivePrefix(toUnicode(prefix));
+    setAffix(kPositivePrefix);
 }
 
 std::string NumberFormatter::positiveSuffix() const {
@@ -291,7 +398,7 @@ std::string NumberFormatter::positiveSuffix() const {
 
 void NumberFormatter::setPositiveSuffix(std::string_view suffix) {
     state_->affixes[kPositiveSuffix] = std::string(suffix);
-    state_->icu->setPositiveSuffix(toUnicode(suffix));
+    setAffix(kPositiveSuffix);
 }
 
 std::string NumberFormatter::negativePrefix() const {
@@ -301,7 +408,7 @@ std::string NumberFormatter::negativePrefix() const {
 
 void NumberFormatter::setNegativePrefix(std::string_view prefix) {
     state_->affixes[kNegativePrefix] = std::string(prefix);
-    state_->icu->setNegativePrefix(toUnicode(prefix));
+    setAffix(kNegativePrefix);
 }
 
 std::string NumberFormatter::negativeSuffix() const {
@@ -311,7 +418,7 @@ std::string NumberFormatter::negativeSuffix() const {
 
 void NumberFormatter::setNegativeSuffix(std::string_view suffix) {
     state_->affixes[kNegativeSuffix] = std::string(suffix);
-    state_->icu->setNegativeSuffix(toUnicode(suffix));
+    setAffix(kNegativeSuffix);
 }
 
 const std::optional<std::string>& NumberFormatter::zeroSymbol() const {

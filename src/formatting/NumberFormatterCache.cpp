@@ -13,6 +13,9 @@ namespace {
 
 using formatting_internal::threadCachedObject;
 
+static_assert(NumberFormatter::kCachedFormattersPerThread ==
+              formatting_internal::kThreadCacheCapacity);
+
 formatting_internal::LocaleChangeCacheObserver& numberFormatterObserver() {
     static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSNumberFormatter");  // process-wide, never destroyed
@@ -50,7 +53,7 @@ NumberFormatterPtr NumberFormatter::numberFormatterForVNPicture(
                                                      "VNNSNumberFormatterWithVNPicture");
     key.append(picture);
     appendLocaleId(key, localeId);
-    return threadCachedObject<NumberFormatter>(key, [&] {
+    return threadCachedObject<NumberFormatter>(numberFormatterObserver(), key, [&] {
         return formatting_internal::makeFormatterForPicture(
             formatting_internal::translateVNPicture(picture, numberHasDecimals), localeId);
     });
@@ -73,7 +76,7 @@ NumberFormatterPtr NumberFormatter::numberFormatterForNumberFormat(
     }
     key.append(pattern);
     appendLocaleId(key, localeId);
-    return threadCachedObject<NumberFormatter>(key, [&] {
+    return threadCachedObject<NumberFormatter>(numberFormatterObserver(), key, [&] {
         auto formatter = plainFormatter(localeId);
         formatter->setPositiveFormat(pattern);
         if (zeroSymbol) formatter->setZeroSymbol(zeroSymbol);
@@ -90,7 +93,7 @@ NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
     key.append("Integer");
     appendUnsigned(key, integerDigits);
     appendLocaleId(key, localeId);
-    return threadCachedObject<NumberFormatter>(key, [&] {
+    return threadCachedObject<NumberFormatter>(numberFormatterObserver(), key, [&] {
         auto formatter = plainFormatter(localeId);
         std::uint64_t integers = integerDigits;
         if (fractionDigits != 0) {
@@ -108,13 +111,14 @@ NumberFormatterPtr NumberFormatter::numberFormatterForMaximumFractionDigits(
 NumberFormatterPtr NumberFormatter::numberFormatterForLocale_en_US_POSIX() {
     std::string& key =
         formatting_internal::beginKey(numberFormatterObserver(), "VNNSNumberFormatter");
-    return threadCachedObject<NumberFormatter>(key, [] { return plainFormatter("en_US_POSIX"); });
+    return threadCachedObject<NumberFormatter>(numberFormatterObserver(), key,
+                                               [] { return plainFormatter("en_US_POSIX"); });
 }
 
 NumberFormatterPtr NumberFormatter::decimalNumberFormatterForLocales_en_US_POSIX() {
     std::string& key =
         formatting_internal::beginKey(numberFormatterObserver(), "VNNSNumberFormatterDecimal");
-    return threadCachedObject<NumberFormatter>(key, [] {
+    return threadCachedObject<NumberFormatter>(numberFormatterObserver(), key, [] {
         auto formatter = plainFormatter("en_US_POSIX");
         formatter->setGeneratesDecimalNumbers(true);
         return formatter;

@@ -4,6 +4,7 @@
 #include <unicode/utext.h>
 
 #include "formatting/IcuSupport.h"
+#include "platform/internal/RegexLimits.h"
 
 namespace vn {
 namespace {
@@ -59,16 +60,23 @@ std::string escaped(std::string_view text, std::string_view specials) {
     return result;
 }
 
+static_assert(RegularExpression::kMatchTimeLimit == platform_internal::kRegexTimeLimit);
+static_assert(RegularExpression::kMatchTimeLimitBytesPerUnit ==
+              platform_internal::kRegexTimeLimitBytesPerUnit);
+static_assert(RegularExpression::kMatchStackLimit == platform_internal::kRegexStackLimit);
+
 }  // namespace
 
 struct RegularExpression::Impl {
     std::unique_ptr<icu::RegexPattern> pattern;
 
-    std::unique_ptr<icu::RegexMatcher> matcherFor(const Utf8Text& text) const {
+    std::unique_ptr<icu::RegexMatcher> matcherFor(const Utf8Text& text,
+                                                  std::size_t textLength) const {
         UErrorCode status = U_ZERO_ERROR;
         std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
         if (U_FAILURE(status) || !matcher) return nullptr;
         matcher->reset(text.get());
+        platform_internal::limitRegexMatching(*matcher, textLength);
         return matcher;
     }
 };
@@ -102,14 +110,14 @@ RegularExpressionPtr RegularExpression::regularExpressionWithPattern(std::string
 
 std::size_t RegularExpression::numberOfCaptureGroups() const {
     const Utf8Text empty("");
-    const auto matcher = impl_->matcherFor(empty);
+    const auto matcher = impl_->matcherFor(empty, 0);
     return matcher ? static_cast<std::size_t>(matcher->groupCount()) : 0;
 }
 
 std::vector<RegularExpression::Match> RegularExpression::matches(std::string_view text) const {
     std::vector<Match> result;
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     if (!matcher) return result;
     UErrorCode status = U_ZERO_ERROR;
     while (matcher->find(status) && U_SUCCESS(status)) {
@@ -119,12 +127,13 @@ std::vector<RegularExpression::Match> RegularExpression::matches(std::string_vie
         match.range = match.groups.front().value_or(StringRange{});
         result.push_back(std::move(match));
     }
+    if (U_FAILURE(status)) result.clear();  // a search cut short is no result, not a partial one
     return result;
 }
 
 std::optional<RegularExpression::Match> RegularExpression::firstMatch(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     UErrorCode status = U_ZERO_ERROR;
     if (!matcher || !matcher->find(status) || U_FAILURE(status)) return std::nullopt;
     Match match;
@@ -136,19 +145,19 @@ std::optional<RegularExpression::Match> RegularExpression::firstMatch(std::strin
 
 std::size_t RegularExpression::numberOfMatches(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     if (!matcher) return 0;
     std::size_t count = 0;
     UErrorCode status = U_ZERO_ERROR;
     while (matcher->find(status) && U_SUCCESS(status)) ++count;
-    return count;
+    return U_FAILURE(status) ? 0 : count;
 }
 
 bool RegularExpression::matchesEntirely(std::string_view text) const {
     const Utf8Text input(text);
-    const auto matcher = impl_->matcherFor(input);
+    const auto matcher = impl_->matcherFor(input, text.size());
     UErrorCode status = U_ZERO_ERROR;
-    return matcher && matcher->matches(status) && U_SUCCESS(status);
+    return matcher && matcher->matches(status) && !U_FAILURE(status);
 }
 
 std::string RegularExpression::stringByReplacingMatches(
@@ -157,10 +166,12 @@ std::string RegularExpression::stringByReplacingMatches(
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(impl_->pattern->matcher(input, status));
     if (U_FAILURE(status) || !matcher) return std::string(text);
-    const icu::UnicodeString replaced = matcher->replaceAll(toUnicode(replacementTemplate), status);
-    // A template that refers to a group the pattern does not have replaces nothing.
-    if (U_FAILURE(status)) return std::string(text);
-    return toUtf8(replaced);
+    platform_internal::limitRegexMatching(*matcher, text.size());
+    // A template that refers to a group the pattern does not have replaces nothing, and so
+    // does a replacement that reaches a matching limit.
+    const std::optional<icu::UnicodeString> replaced =
+        platform_internal::replacingAllMatches(*matcher, toUnicode(replacementTemplate));
+    return replaced ? toUtf8(*replaced) : std::string(text);
 }
 
 std::string RegularExpression::escapedPatternForString(std::string_view text) {

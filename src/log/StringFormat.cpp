@@ -16,6 +16,12 @@ struct Directive {
     std::string length;
     char conversion = '\0';
     std::optional<std::size_t> position;  // 1-based, from "n$"
+
+    // Whether the width or the precision is beyond what a conversion is allowed to produce.
+    bool isOversized() const {
+        return (width && *width > kStringFormatMaximumWidth) ||
+               (precision && *precision > kStringFormatMaximumWidth);
+    }
 };
 
 // Reads the arguments in order, or by position for "%n$" directives.
@@ -329,6 +335,15 @@ std::string stringWithFormatArguments(std::string_view format, std::span<const V
         }
         if (d.conversion == '%') {
             out.push_back('%');
+        } else if (consumesArgument(d.conversion) && d.isOversized()) {
+            // Fails as an unknown conversion does, but passes over its argument so that the
+            // conversions after it still get theirs.
+            out.append(format.substr(percent, after - percent));
+            if (d.position) {
+                reader.jumpAfter(*d.position == 0 ? 0 : *d.position - 1);
+            } else {
+                static_cast<void>(reader.next());
+            }
         } else if (consumesArgument(d.conversion)) {
             if (d.position) {
                 const std::size_t index = *d.position == 0 ? 0 : *d.position - 1;

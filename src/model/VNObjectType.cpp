@@ -4,6 +4,7 @@
 #include <array>
 
 #include "model/ModelText.h"
+#include "platform/internal/Utf8.h"
 #include "vn/platform/FatalError.h"
 
 namespace vn {
@@ -28,20 +29,17 @@ std::string_view identifierOf(VNObjectType type) {
 }
 
 // The byte offset at which the text's first `units` UTF-16 code units end (the platform counts
-// characters so); absent when the text is shorter or a character straddles that position.
+// characters so); absent when the text is shorter or a character straddles that position. A
+// byte that starts no well-formed sequence counts as one character (U+FFFD), and the count
+// resumes at the byte after it.
 std::optional<std::size_t> offsetAfterUTF16Units(std::string_view text, std::size_t units) {
     std::size_t offset = 0;
     std::size_t counted = 0;
     while (counted < units) {
         if (offset >= text.size()) return std::nullopt;
-        const auto lead = static_cast<unsigned char>(text[offset]);
-        const std::size_t length = lead < 0x80             ? 1
-                                   : (lead & 0xE0) == 0xC0 ? 2
-                                   : (lead & 0xF0) == 0xE0 ? 3
-                                   : (lead & 0xF8) == 0xF0 ? 4
-                                                           : 1;
-        offset += std::min(length, text.size() - offset);
-        counted += length == 4 ? 2 : 1;
+        const platform_internal::Utf8Step step = platform_internal::decodeUtf8(text, offset);
+        offset += step.length;
+        counted += step.wellFormed && step.codePoint > 0xFFFF ? 2 : 1;
     }
     if (counted != units) return std::nullopt;
     return offset;

@@ -37,9 +37,14 @@ Date Date::now() {
     return fromTimeIntervalSince1970(std::chrono::duration<double>(sinceEpoch).count());
 }
 
+bool Date::isRepresentable() const {
+    // Written so that NaN compares false.
+    return std::fabs(timeIntervalSince1970()) <= kRepresentableSecondsFrom1970;
+}
+
 std::string Date::description() const {
+    if (!isRepresentable()) return "";
     const double seconds = std::floor(timeIntervalSince1970());
-    if (!std::isfinite(seconds) || std::fabs(seconds) > 1e17) return "<invalid date>";
     const auto whole = static_cast<std::int64_t>(seconds);
     std::int64_t days = whole / 86400;
     std::int64_t secondOfDay = whole % 86400;

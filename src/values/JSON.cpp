@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -178,10 +179,62 @@ ErrorPtr wrongKindError(Value::Kind expected, Value::Kind found) {
                                          {std::string(kJSONErrorDetailKey), std::move(detail)}});
 }
 
+// The value of the four hexadecimal digits at text[at], if there are four.
+std::optional<char32_t> hexUnit(std::string_view text, std::size_t at) {
+    if (at + 4 > text.size()) return std::nullopt;
+    std::uint32_t unit = 0;
+    const auto [end, error] = std::from_chars(text.data() + at, text.data() + at + 4, unit, 16);
+    if (error != std::errc() || end != text.data() + at + 4) return std::nullopt;
+    return static_cast<char32_t>(unit);
+}
+
+bool isHighSurrogate(char32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool isLowSurrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+// Whether a string of the text escapes half of a surrogate pair alone ("\ud800", "\udc00",
+// "\ud800\u0041"). The parser would turn such an escape into bytes that are not UTF-8, or
+// into a wrong character. Outside strings no quote or backslash is valid JSON, so a walk
+// that toggles at quotes finds every string.
+bool hasUnpairedSurrogateEscape(std::string_view text) {
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"') inString = !inString;
+        if (!inString || text[i] != '\\') continue;
+        const bool unicodeEscape = i + 1 < text.size() && text[i + 1] == 'u';
+        const std::optional<char32_t> unit = unicodeEscape ? hexUnit(text, i + 2) : std::nullopt;
+        if (!unit) {
+            ++i;  // the escaped character, a quote perhaps, does not end the string
+            continue;
+        }
+        i += 5;
+        if (isLowSurrogate(*unit)) return true;
+        if (!isHighSurrogate(*unit)) continue;
+        const bool lowFollows = i + 2 < text.size() && text[i + 1] == '\\' && text[i + 2] == 'u';
+        const std::optional<char32_t> low = lowFollows ? hexUnit(text, i + 3) : std::nullopt;
+        if (!low || !isLowSurrogate(*low)) return true;
+        i += 6;
+    }
+    return false;
+}
+
 // Parses the text; on failure answers the error's detail instead.
 std::optional<Value> parse(std::string_view text, std::string& failure) {
     if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark)
         text.remove_prefix(kByteOrderMark.size());
+    // The parser's own check lets overlong forms and encoded surrogates through.
+    if (!platform_internal::isValidUtf8(text)) {
+        failure = "The text is not valid UTF-8";
+        return std::nullopt;
+    }
+    if (hasUnpairedSurrogateEscape(text)) {
+        failure = "A string escapes half of a surrogate pair alone";
+        return std::nullopt;
+    }
     ValueBuilder builder;
     const std::unique_ptr<yajl_handle_t, ParserDeleter> parser(
         yajl_alloc(&kBuilderCallbacks, nullptr, &builder));

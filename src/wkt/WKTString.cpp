@@ -7,6 +7,7 @@
 
 #include "WKTMembers.h"
 #include "WKTSplit.h"
+#include "platform/internal/RegexLimits.h"
 
 namespace vn {
 namespace {
@@ -46,8 +47,13 @@ std::vector<std::string> splitWithICU(std::string_view text, std::string_view re
     const icu::UnicodeString input =
         icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), text.size()));
     std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(input, status));
-    const icu::UnicodeString marked = matcher->replaceAll(u"[SPLIT]", status);
     if (U_FAILURE(status)) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
+    platform_internal::limitRegexMatching(*matcher, static_cast<std::size_t>(input.length()));
+    // A replacement that reaches a matching limit fails like an expression that is invalid.
+    const std::optional<icu::UnicodeString> replaced =
+        platform_internal::replacingAllMatches(*matcher, icu::UnicodeString(u"[SPLIT]"));
+    if (!replaced) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
+    const icu::UnicodeString& marked = *replaced;
 
     std::vector<std::string> pieces;
     const icu::UnicodeString marker(u"[SPLIT]");

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <thread>
+#include <vector>
 
 #include "vn/formatting/DateVN.h"
 #include "vn/platform/Thread.h"
@@ -48,6 +51,92 @@ TEST(DateFormatter, PatternsAndTextsAreReadUpToTheirMaximumLength) {
     EXPECT_EQ(formatter.dateFromString(padded + "2020-03-01 10:20:30.250"), kInstant);
     EXPECT_EQ(formatter.dateFromString(padded + "02020-03-01 10:20:30.250"), std::nullopt);
     EXPECT_EQ(formatter.dateFromString(std::string(1 << 20, '9')), std::nullopt);
+}
+
+TEST(DateFormatter, LongFractionsAndWidePatternsNeverReachIcu) {
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    formatter.setTimeZone(TimeZone::gmt());
+    formatter.setDateFormat("yyyy-MM-dd'T'HH:mm:ss.SSS");
+    const std::string prefix = "2020-03-01T10:20:30.";
+    EXPECT_EQ(formatter.dateFromString(prefix + "250"), kInstant);
+    EXPECT_EQ(formatter.dateFromString(prefix + std::string(35, '1')), std::nullopt);
+    EXPECT_EQ(formatter.dateFromString(prefix + std::string(33, '1')), std::nullopt);
+    std::string arabicIndic;  // digits of another script, and digits split by a direction mark
+    for (int i = 0; i < 40; ++i) arabicIndic += "\u0661";
+    EXPECT_EQ(formatter.dateFromString(prefix + arabicIndic), std::nullopt);
+    EXPECT_EQ(
+        formatter.dateFromString(prefix + std::string(20, '1') + "\u200E" + std::string(20, '1')),
+        std::nullopt);
+
+    // A pattern whose own literal digits make its output one long run reads nothing back.
+    formatter.setDateFormat("SSSSSSSSSSSSS1e2147483648SSSyyyS");
+    EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(kInstant)), std::nullopt);
+
+    // Fields wider than the limit make the pattern unreadable; at the limit they work.
+    formatter.setDateFormat(std::string(DateFormatter::kMaximumFieldWidth, 'y'));
+    EXPECT_TRUE(formatter.stringFromDate(kInstant).ends_with("2020"));
+    formatter.setDateFormat(std::string(DateFormatter::kMaximumFieldWidth + 1, 'S'));
+    EXPECT_EQ(formatter.stringFromDate(kInstant), "");
+    EXPECT_EQ(formatter.dateFromString("2020"), std::nullopt);
+    formatter.setDateFormat("'" + std::string(100, 'S') + "' yyyy");  // quoted: literal text
+    EXPECT_EQ(formatter.stringFromDate(kInstant), std::string(100, 'S') + " 2020");
+
+    // A year read that no calendar can show is no date.
+    formatter.setDateFormat("yyyyyyyy");
+    EXPECT_EQ(formatter.dateFromString("99999999"), std::nullopt);
+}
+
+TEST(DateFormatter, DayPeriodsAreReadSafelyInLocalesWithoutThem) {
+    const Date evening = Date::fromTimeIntervalSince1970(20 * 3600.0);
+    DateFormatter english;
+    english.setLocale(Locale("en_US"));
+    english.setTimeZone(TimeZone::gmt());
+    english.setDateFormat("BBBB");
+    EXPECT_EQ(english.stringFromDate(evening), "in the evening");
+
+    for (const char* unknown : {"xx_YY", "zz"}) {
+        DateFormatter formatter;
+        formatter.setLocale(Locale(unknown));
+        formatter.setTimeZone(TimeZone::gmt());
+        formatter.setDateFormat("h B");
+        EXPECT_EQ(formatter.stringFromDate(evening), "8 PM");  // as ICU shows it there
+        EXPECT_EQ(formatter.dateFromString("8 PM"), evening);
+        for (const char* text : {"8 in the evening", "8 at night", "8 in the morning"})
+            EXPECT_EQ(formatter.dateFromString(text), std::nullopt) << text;
+        formatter.setDateFormat("h 'B' B");  // quoted: literal text
+        EXPECT_EQ(formatter.stringFromDate(evening), "8 B PM");
+    }
+}
+
+TEST(DateFormatter, DatesThatAreNotRepresentableShowAsTheEmptyText) {
+    const std::vector<Date> unrepresentable = {
+        Date{std::nan("")}, Date{std::numeric_limits<double>::infinity()},
+        Date{-std::numeric_limits<double>::infinity()},
+        Date::fromTimeIntervalSince1970(Date::kRepresentableSecondsFrom1970 * 1.01),
+        Date::fromTimeIntervalSince1970(-Date::kRepresentableSecondsFrom1970 * 1.01)};
+    const auto posix =
+        DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+            "yyyy-MM-dd'T'HH:mm:ss");
+    const auto styled = DateFormatter::dateFormatterWithTimeZone_UTC_ForDateFormatterDateStyle(
+        DateFormatter::Style::fullStyle, DateFormatter::Style::fullStyle, true, "en_US", false);
+    DateFormatter formatter;
+    formatter.setLocale(Locale("en_US_POSIX"));
+    for (const Date& date : unrepresentable) {
+        SCOPED_TRACE(date.timeIntervalSinceReferenceDate);
+        EXPECT_EQ(posix->stringFromDate(date), "");
+        EXPECT_EQ(styled->stringFromDate(date), "");
+        EXPECT_EQ(DateVN::json(date), "");
+        EXPECT_EQ(date.description(), "");
+        // Every pattern letter, the day periods among them (ICU's crashed on NaN).
+        for (char letter = 'A'; letter <= 'z'; ++letter) {
+            formatter.setDateFormat(std::string(4, letter));
+            EXPECT_EQ(formatter.stringFromDate(date), "");
+        }
+    }
+    const Date edge = Date::fromTimeIntervalSince1970(Date::kRepresentableSecondsFrom1970);
+    EXPECT_TRUE(edge.isRepresentable());
+    EXPECT_EQ(posix->stringFromDate(edge), "3170843-11-07T09:46:40");
 }
 
 TEST(DateFormatter, YearOneFormatsAndReadsBackAsTheEmptyDate) {
@@ -118,6 +207,29 @@ TEST(DateFormatter, PosixFormattersAreCachedPerThreadAndPattern) {
     }).join();
     EXPECT_NE(here, there);
     EXPECT_EQ(there->stringFromDate(kInstant), "2020/03/01");
+}
+
+TEST(DateFormatter, EachThreadKeepsABoundedNumberOfFormatters) {
+    constexpr std::size_t capacity = DateFormatter::kCachedFormattersPerThread;
+    std::thread([&] {
+        const auto first =
+            DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                "'0' yyyy");
+        for (std::size_t i = 1; i <= 2 * capacity; ++i) {
+            const std::string pattern = "'" + std::to_string(i) + "' yyyy";
+            const auto formatter =
+                DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                    pattern);
+            EXPECT_EQ(formatter->stringFromDate(kInstant), std::to_string(i) + " 2020");
+        }
+        std::size_t cached = 0;
+        for (const auto& [key, value] : Thread::threadDictionary())
+            cached += key.starts_with("VNNSDateFormatter") ? 1 : 0;
+        EXPECT_EQ(cached, capacity);
+        EXPECT_NE(DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
+                      "'0' yyyy"),
+                  first);  // the least recently used went first
+    }).join();
 }
 
 TEST(DateFormatter, ShortModelFormatsAndStyleMappings) {

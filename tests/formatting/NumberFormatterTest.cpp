@@ -81,6 +81,40 @@ TEST(NumberFormatter, AffixesAreIndependentAndResetByANewPattern) {
     EXPECT_EQ(formatter->negativePrefix(), "-");  // the new pattern cleared "("
 }
 
+TEST(NumberFormatter, AffixesAreShownAndReadAsWrittenWhateverTheirCharacters) {
+    // Characters that ICU's affix syntax gives a meaning (the approximately sign among them)
+    // are literal text in affixes.
+    for (const std::string special : {"~", "'", "-", "+", "%", "‰", "¤", "''", "a~b'~", "~-"}) {
+        SCOPED_TRACE(special);
+        const auto formatter = formatterFor("en_US", "#,##0");
+        formatter->setPositivePrefix(special + "p");
+        formatter->setPositiveSuffix("s" + special);
+        formatter->setNegativePrefix(special + "n");
+        formatter->setNegativeSuffix("m" + special);
+        EXPECT_EQ(formatter->positivePrefix(), special + "p");
+        EXPECT_EQ(formatter->negativeSuffix(), "m" + special);
+        EXPECT_EQ(formatter->stringFromNumber(Number(1234)), special + "p1,234s" + special);
+        EXPECT_EQ(formatter->stringFromNumber(Number(-5)), special + "n5m" + special);
+        EXPECT_EQ(formatter->numberFromString(special + "p1,234s" + special), Number(1234));
+        EXPECT_EQ(formatter->numberFromString(special + "n5m" + special), Number(-5));
+        EXPECT_EQ(formatter->numberFromString("1234"), std::nullopt);
+    }
+
+    // An approximately sign set after the digit limits keeps them.
+    const auto limited = formatterFor("en_US", "0.00");
+    limited->setMaximumFractionDigits(1);
+    limited->setPositiveSuffix(" ~");
+    EXPECT_EQ(limited->stringFromNumber(Number(2.25)), "2.2 ~");
+    EXPECT_EQ(limited->numberFromString("2.5 ~"), Number(2.5));
+
+    // Unquoted in a pattern it is literal text too.
+    const auto patterned = formatterFor("en_US", "~#,##0;(~#)");
+    EXPECT_EQ(patterned->stringFromNumber(Number(1234)), "~1,234");
+    EXPECT_EQ(patterned->stringFromNumber(Number(-7)), "(~7)");
+    EXPECT_EQ(patterned->numberFromString("~1,234"), Number(1234));
+    EXPECT_EQ(patterned->numberFromString("(~7)"), Number(-7));
+}
+
 TEST(NumberFormatter, UnreadablePatternChangesNothingAndForcedPositionsAreShown) {
     const auto formatter = formatterFor("en_US", "#,##0.00");
     for (const char* unreadable : {"#,,#", "#.#.#", "#.-0"}) {

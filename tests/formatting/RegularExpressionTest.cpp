@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vn {
@@ -55,6 +57,33 @@ TEST(RegularExpression, InvalidPatternGivesAnError) {
     EXPECT_EQ(error->code(), 2048);
     EXPECT_EQ(error->userInfoValue("NSInvalidValue"), Value("(unclosed"));
     EXPECT_EQ(RegularExpression::regularExpressionWithPattern("[", 0, nullptr), nullptr);
+}
+
+TEST(RegularExpression, RunawayMatchingFailsAsNoMatch) {
+    // ICU loops on this one; the other backtracks without end.
+    for (const auto& [pattern, text] : {std::pair<std::string, std::string>{"^+?b", "ab"},
+                                        {"(a|aa)+c", std::string(200, 'a') + "b"}}) {
+        SCOPED_TRACE(pattern);
+        const auto expression = RegularExpression::regularExpressionWithPattern(pattern);
+        ASSERT_NE(expression, nullptr);
+        EXPECT_EQ(expression->firstMatch(text), std::nullopt);
+        EXPECT_TRUE(expression->matches(text).empty());
+        EXPECT_EQ(expression->numberOfMatches(text), 0u);
+        EXPECT_FALSE(expression->matchesEntirely(text));
+        EXPECT_EQ(expression->stringByReplacingMatches(text, "x"), text);
+    }
+    // A search that is cut short gives nothing rather than the matches found before it.
+    const auto laterRunaway = RegularExpression::regularExpressionWithPattern("ok|(a|aa)+c");
+    const std::string okThenRunaway = "ok " + std::string(200, 'a') + "b";
+    EXPECT_TRUE(laterRunaway->matches(okThenRunaway).empty());
+    EXPECT_EQ(laterRunaway->numberOfMatches(okThenRunaway), 0u);
+    EXPECT_EQ(laterRunaway->stringByReplacingMatches(okThenRunaway, "X"), okThenRunaway);
+
+    // The limit grows with the text: a long scan with many matches completes.
+    const std::string longText(4'000'000, 'a');
+    const auto single = RegularExpression::regularExpressionWithPattern("a");
+    EXPECT_EQ(single->numberOfMatches(longText), longText.size());
+    EXPECT_EQ(single->stringByReplacingMatches(longText, "b"), std::string(longText.size(), 'b'));
 }
 
 TEST(RegularExpression, OneExpressionServesManyThreads) {

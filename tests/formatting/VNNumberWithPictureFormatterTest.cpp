@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "vn/coding/KeyedArchiver.h"
 #include "vn/coding/KeyedUnarchiver.h"
 
@@ -73,12 +75,18 @@ TEST(VNNumberWithPictureFormatterDeathTest, PlainInitializerIsUnavailable) {
                  "'VNFoundation.VNNumberWithPictureFormatter'");
 }
 
-TEST(VNNumberWithPictureFormatterDeathTest, TextWithoutDigitsOrBeyond64BitsIsFatal) {
+TEST(VNNumberWithPictureFormatter, TextWithoutDigitsOrBeyond64BitsIsNoNumber) {
     VNNumberWithPictureFormatter optional("##");
-    EXPECT_DEATH(static_cast<void>(optional.numberFromString("ab")), "no digit");
+    EXPECT_EQ(optional.numberFromString("ab"), std::nullopt);
+    EXPECT_EQ(optional.numberFromString(""), std::nullopt);
+    VNNumberWithPictureFormatter dashed("##-##");
+    EXPECT_EQ(dashed.numberFromString("-"), std::nullopt);
+    VNNumberWithPictureFormatter literalOnly("abc");
+    EXPECT_EQ(literalOnly.numberFromString("abc"), std::nullopt);
     VNNumberWithPictureFormatter wide(std::string(25, '0'));
-    EXPECT_DEATH(static_cast<void>(wide.numberFromString(std::string(25, '9'))),
-                 "does not fit a 64-bit integer");
+    EXPECT_EQ(wide.numberFromString(std::string(25, '9')), std::nullopt);
+    EXPECT_EQ(wide.numberFromString(std::string(6, '0') + "9223372036854775807"),
+              Number(std::numeric_limits<std::int64_t>::max()));
 }
 
 }  // namespace

@@ -81,6 +81,22 @@ TEST(StringFormat, StarsPositionsAndMisuseNeverFail) {
     });
 }
 
+TEST(StringFormat, WidthsAndPrecisionsBeyondTheLimitFailTheirConversionOnly) {
+    expectFormats({
+        {"%9999999999d|%d", {1, 2}, "%9999999999d|2"},
+        {"%.2147483647f|%@", {1.5, "next"}, "%.2147483647f|next"},
+        {"[%*d][%d]", {kStringFormatMaximumWidth + 1, 7, 8}, "[%*d][8]"},
+        {"[%.*s][%d]", {-1000000000, "ab", 8}, "[ab][8]"},  // a negative precision is none
+        {"[%-*d][%d]", {-2147483647 - 1, 7, 8}, "[%-*d][8]"},
+        {"%2$4097@ %1$@", {"a", "b"}, "%2$4097@ a"},
+        {"%4097%", {}, "%"},
+    });
+    const std::string widest = stringWithFormat("%4096d", 5);
+    EXPECT_EQ(widest.size(), 4096u);
+    EXPECT_EQ(widest.back(), '5');
+    EXPECT_EQ(stringWithFormat("%.4096f", 1.0).size(), 4098u);
+}
+
 TEST(StringFormat, VariadicFormConvertsArgumentsToValues) {
     const std::string name = "Foo";
     const std::string_view view = "bar";

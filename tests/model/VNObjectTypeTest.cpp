@@ -75,6 +75,15 @@ TEST(VNObjectType, ParsesQualifiedReferences) {
     // The 36 characters are counted as characters, not bytes.
     const std::string accented = "\xC3\xA9" + std::string(35, 'x');
     EXPECT_EQ(VNObjectHelper::parseObjectTypeAndName(accented + "-N"), (Reference{accented, "N"}));
+    const std::string astral = "\xF0\x9F\x98\x80" + std::string(34, 'x');  // two UTF-16 units
+    EXPECT_EQ(VNObjectHelper::parseObjectTypeAndName(astral + "-N"), (Reference{astral, "N"}));
+    // A byte that starts no well-formed sequence is one character; the bytes after it count.
+    for (const std::string bad : {"\xE0", "\xC3", "\xF0", "\xFF", "\x80", "\xED\xA0"}) {
+        const std::string type = bad + std::string(36 - bad.size(), 'x');
+        EXPECT_EQ(VNObjectHelper::parseObjectTypeAndName(type + "-N"), (Reference{type, "N"}));
+    }
+    EXPECT_EQ(VNObjectHelper::parseObjectTypeAndName(std::string(35, 'x') + "\xE0-N"),
+              (Reference{std::string(35, 'x') + "\xE0", "N"}));
     for (const Value& bad :
          {Value(kKind5 + "-"), Value(kKind5 + "xName"), Value(kKind5), Value("short-name"), Value(),
           Value(5), Value(Value::Array{kKind5 + "-A"})}) {

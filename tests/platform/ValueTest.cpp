@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <thread>
 #include <unordered_set>
 #include <vector>
@@ -97,6 +98,10 @@ TEST(Value, DescribesCollectionsInPropertyListStyle) {
     EXPECT_EQ(Value(Value::Array{}).description(), "(\n)");
     EXPECT_EQ(Value(Data{0xde, 0xad}).description(), "{length = 2, bytes = 0xdead}");
     EXPECT_EQ(Value(Date{0}).description(), "2001-01-01 00:00:00 +0000");
+    EXPECT_EQ(Value(Date{std::nan("")}).description(), "");  // not representable
+    EXPECT_EQ(Value(Date::fromTimeIntervalSince1970(-1e14)).description(),
+              "-3166904-02-24 14:13:20 +0000");
+    EXPECT_EQ(Value(Date::fromTimeIntervalSince1970(-1.01e14)).description(), "");
     EXPECT_EQ(Value("top level text is itself").description(), "top level text is itself");
 }
 

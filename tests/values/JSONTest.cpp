@@ -61,6 +61,13 @@ TEST(JSON, AcceptsScalarsDataAndAByteOrderMark) {
     EXPECT_TRUE(jsonObject(nestedArrays(kJSONMaximumDepth)).isArray());
 }
 
+TEST(JSON, ReadsPairedSurrogateEscapesAndWellFormedUTF8) {
+    EXPECT_EQ(*jsonObject(R"(["\ud83d\ude00", "\u00e9\u20ac"])").array(),
+              (Value::Array{"\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC"}));
+    EXPECT_EQ(*jsonObject("[\"\xF0\x9F\x98\x80 \\\\ud800\"]").array(),
+              (Value::Array{"\xF0\x9F\x98\x80 \\ud800"}));  // an escaped backslash, no escape
+}
+
 TEST(JSON, RefusesTextThatIsNotOneJSONValue) {
     const std::string cases[] = {
         "",
@@ -74,6 +81,17 @@ TEST(JSON, RefusesTextThatIsNotOneJSONValue) {
         "'a'",
         "{a:1}",
         "\"\xFF\"",
+        "[\"\xC0\xAF\"]",      // overlong "/"
+        "[\"\xED\xA0\x80\"]",  // an encoded surrogate
+        "[\"a\xE2\x82\"]",     // a truncated sequence
+        R"(["\ud800"])",       // a high surrogate alone
+        R"(["a\ud800"])",
+        R"(["\udc00"])",        // a low surrogate alone
+        R"(["\ud800\u0041"])",  // a high surrogate before something else
+        R"(["\ud800\ud800"])",
+        R"(["\ud800\n"])",
+        R"({"\udfff":1})",            // in a key
+        R"(["\\", "\"", "\ude00"])",  // after escaped backslashes and quotes
         "[01]",
         "// comment\n1",
         "[NaN]",
@@ -153,6 +171,9 @@ TEST(JSON, WritesNumbersWithTheirShortestExactDigits) {
 TEST(JSON, WritesWhatJSONCannotHoldAsText) {
     EXPECT_EQ(jsonString(Value(Data{0xAB})), R"("{length = 1, bytes = 0xab}")");
     EXPECT_EQ(jsonString(Value(Date{0})), R"("2001-01-01 00:00:00 +0000")");
+    EXPECT_EQ(jsonString(Value(Date{std::nan("")})), R"("")");  // not representable
+    EXPECT_EQ(jsonString(Value(Date{-std::numeric_limits<double>::infinity()})), R"("")");
+    EXPECT_EQ(jsonString(Value(Date{2e14})), R"("")");
     EXPECT_EQ(jsonString(Value(Value::Dictionary{{"\xFF", "a\xC3"}})),
               "{\"\xEF\xBF\xBD\":\"a\xEF\xBF\xBD\"}");
     const std::string deep = jsonString(testing::nested(Value(1), 200, false));

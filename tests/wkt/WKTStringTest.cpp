@@ -115,6 +115,16 @@ TEST(WKTString, SplitStringTakesAnyExpression) {
     EXPECT_EQ(WKTString::splitString("x\u00E9y\u00E9", "\u00E9"), (Pieces{"x", "y"}));
     expectRaises([] { WKTString::splitString("a", "(unclosed"); }, "WKTString [splitString]",
                  "Parameter regExp is invalid");
+    // Matching that would not end (an ICU loop, a runaway backtrack) is refused the same way.
+    expectRaises([] { WKTString::splitString("ab", "^+?b"); }, "WKTString [splitString]",
+                 "Parameter regExp is invalid");
+    expectRaises([] { WKTString::splitString(std::string(200, 'a') + "b", "(a|aa)+c"); },
+                 "WKTString [splitString]", "Parameter regExp is invalid");
+    expectRaises(  // reached after a first match: no partial split
+        [] { WKTString::splitString("ok " + std::string(200, 'a') + "b", "ok|(a|aa)+c"); },
+        "WKTString [splitString]", "Parameter regExp is invalid");
+    const std::string longText(2'000'000, 'a');  // long texts get proportionally more time
+    EXPECT_EQ(WKTString::splitString(longText + "," + longText, ",").size(), 2u);
 }
 
 TEST(WKTString, MissingInputRaisesByItsSplittersName) {

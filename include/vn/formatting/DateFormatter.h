@@ -4,8 +4,9 @@
 // "0001-01-01" and that text reads back as the same instant.
 //
 // The class also carries the model's cached date formatters, kept per thread in the thread
-// dictionary under keys that begin with "VNNSDateFormatter", the short model date formats and
-// the mapping of the model's date and time formats to styles.
+// dictionary under keys that begin with "VNNSDateFormatter" (at most kCachedFormattersPerThread
+// per thread: one more removes the least recently requested), the short model date formats
+// and the mapping of the model's date and time formats to styles.
 //
 // Thread safety: a formatter is not synchronised. Configure it and use it from one thread at
 // a time; the cached formatters are per thread for this reason.
@@ -66,9 +67,15 @@ class DateFormatter : public Object {
     // reading of digit runs (quadratic in their length) short.
     static constexpr std::size_t kMaximumTextLength = 32768;
 
-    // The pattern in use: the one set last, or the one the styles make.
+    // The pattern in use: the one set last, or the one the styles make. A pattern that cannot
+    // be read, or that has a field (a run of one unquoted letter) wider than
+    // kMaximumFieldWidth, formats every date as "" and reads no text, as the empty pattern.
+    // In a locale without flexible day periods (an unknown one, such as "xx_YY") the day
+    // period "B" is shown and read as the AM/PM marker "a", as ICU shows it there; ICU's own
+    // reading of it in such a locale is not safe.
     std::string dateFormat() const;
     void setDateFormat(std::string_view pattern);
+    static constexpr std::size_t kMaximumFieldWidth = 32;
 
     // The calendar fields are taken from; by default the locale's calendar. The formatter's
     // own time zone applies, whatever the calendar's zone.
@@ -77,14 +84,20 @@ class DateFormatter : public Object {
     TimeZone timeZone() const;
     void setTimeZone(const TimeZone& zone);
 
+    // "" for a date that is not representable (see Date::isRepresentable).
     [[nodiscard]] std::string stringFromDate(const Date& date) const;
-    // Reads the whole text by the pattern (not leniently); absent when it does not match,
-    // when text is left over, or when it is longer than kMaximumTextLength.
+    // Reads the whole text by the pattern (not leniently); absent when it does not match, when
+    // text is left over, when it is longer than kMaximumTextLength, or when the date read is
+    // not representable. With fractional seconds
+    // ("S") in the pattern, a text with more than kMaximumDigitRun digits in a row is refused
+    // (absent) before it is read: the ICU in use cannot read longer fractions safely.
     [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
+    static constexpr std::size_t kMaximumDigitRun = 32;
 
     std::string description() const override;
 
     // ---- The model's cached date formatters -----------------------------------------------
+    static constexpr std::size_t kCachedFormattersPerThread = 256;
     //
     // The first request made on the main thread registers, once per process, an observer of
     // NSCurrentLocaleDidChangeNotification on the main queue, which removes every

@@ -53,7 +53,8 @@ Date vnTimeOnlyDateTimeMS(const Date& date);
 Date vnTimeOnlyDateTimeNSDateMS(const Date& date);
 
 // The text for JSON: "yyyy-MM-dd'T'HH:mm:ss" when the instant has a time part, else
-// "yyyy-MM-dd", in GMT with the en_US_POSIX locale (fractions of a second are not shown).
+// "yyyy-MM-dd", in GMT with the en_US_POSIX locale (fractions of a second are not shown);
+// "" for a date that is not representable (see Date::isRepresentable).
 std::string json(const Date& date);
 std::string JSON(const Date& date);
 

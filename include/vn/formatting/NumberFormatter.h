@@ -6,7 +6,9 @@
 // The class also carries the model's cached formatters (numberFormatterForVNPicture and its
 // siblings): formatters are costly to build and the same pictures recur on every row of a
 // list, so each thread keeps its own formatters in its thread dictionary, keyed by strings
-// that begin with "VNNSNumberFormatter".
+// that begin with "VNNSNumberFormatter". A thread keeps at most kCachedFormattersPerThread of
+// them: a request for one more removes the least recently requested formatter from the
+// thread dictionary (it is made anew when requested again).
 //
 // Thread safety: a formatter is not synchronised. Configure it and use it from one thread at
 // a time; the cached formatters are per thread for exactly this reason. Never share a cached
@@ -70,12 +72,13 @@ class NumberFormatter : public Object {
     // Setting it clears the affixes and digit limits set before (the pattern defines them).
     // A pattern the formatter cannot read (also one longer than kMaximumPatternLength)
     // changes nothing. A mandatory digit to the left of optional ones ("0##", "#.#0") is read
-    // as forcing those positions too.
+    // as forcing those positions too. "~" is literal text, quoted or not.
     std::string positiveFormat() const;
     void setPositiveFormat(std::string_view pattern);
 
     // Literal texts around the digits; by default those the pattern gives (negative prefix
-    // "-" when the pattern has no negative part).
+    // "-" when the pattern has no negative part). Every character is shown and read as
+    // written, also those that patterns give a meaning ("-", "+", "%", "‰", "¤", "~", "'").
     std::string positivePrefix() const;
     void setPositivePrefix(std::string_view prefix);
     std::string positiveSuffix() const;
@@ -120,6 +123,7 @@ class NumberFormatter : public Object {
     std::string description() const override;
 
     // ---- The model's cached formatters (per thread; see the top of this header) ----------
+    static constexpr std::size_t kCachedFormattersPerThread = 256;
     //
     // A locale identifier that is absent means that no locale is set: the formatter keeps the
     // user's current locale. The first request made on the main thread registers, once per
@@ -167,6 +171,7 @@ class NumberFormatter : public Object {
   private:
     struct State;
     void rebuild();
+    void setAffix(std::size_t which);
 
     std::unique_ptr<State> state_;
 };

@@ -4,6 +4,14 @@
 //
 // Ranges are byte offsets into the UTF-8 text. An expression is immutable once made and may
 // be used from several threads at once.
+//
+// Matching is bounded, so that no pattern hangs or exhausts memory ("^+?b" on "ab" would loop
+// in ICU): each operation (a first match, all matches, a count, a replacement) runs under
+// ICU's time limit of kMatchTimeLimit units plus one per kMatchTimeLimitBytesPerUnit bytes of
+// text (a unit is about ten thousand matching steps), and under a backtracking memory limit of
+// kMatchStackLimit bytes. An operation that reaches a limit fails as "no match": no match, no
+// matches (never a part of them), a count of 0, whole-text match false, replacement text
+// unchanged.
 #pragma once
 
 #include <cstddef>
@@ -41,6 +49,10 @@ class RegularExpression final : public Object {
         StringRange range;
         std::vector<std::optional<StringRange>> groups;  // groups[0] is range
     };
+
+    static constexpr std::size_t kMatchTimeLimit = 1000;
+    static constexpr std::size_t kMatchTimeLimitBytesPerUnit = 1000;
+    static constexpr std::int32_t kMatchStackLimit = 8 * 1024 * 1024;
 
     // Compiles pattern. A pattern that does not compile gives null and, through error, an
     // error of NSCocoaErrorDomain with code 2048 whose user information holds the pattern

@@ -21,6 +21,8 @@
 //   as 0 in numeric conversions.
 // - A conversion with no argument left formats a nil argument ("(null)" or 0); extra
 //   arguments are ignored; an unknown conversion is copied as it stands; %n writes nothing.
+// - A width or precision above kStringFormatMaximumWidth (digits or *) makes the conversion
+//   fail: it is copied as it stands, like an unknown one, and its argument is passed over.
 // - Widths and precisions of %@, %s, %c and %C count characters (Unicode code points), so
 //   UTF-8 text is neither cut inside a character nor padded short.
 // - Numbers always use "." as decimal point, whatever the process's C locale is.
@@ -35,6 +37,9 @@
 #include "vn/platform/Value.h"
 
 namespace vn {
+
+// The widest width and the largest precision a conversion may have (see above).
+inline constexpr int kStringFormatMaximumWidth = 4096;
 
 // Formats with an argument list that is already made of Values.
 std::string stringWithFormatArguments(std::string_view format, std::span<const Value> arguments);

@@ -26,7 +26,15 @@ struct Date {
         return timeIntervalSinceReferenceDate - other.timeIntervalSinceReferenceDate;
     }
 
-    // "yyyy-MM-dd HH:mm:ss +0000" in the proleptic Gregorian calendar, GMT, seconds truncated.
+    // Dates farther than this from 1970 (about 3.17 million years), and those that are not
+    // finite (NaN, infinities), are not representable: no calendar shows them, and every
+    // conversion of a date to text (description(), the date formatters, the model's JSON
+    // dates) gives the empty text for them.
+    static constexpr double kRepresentableSecondsFrom1970 = 1e14;
+    [[nodiscard]] bool isRepresentable() const;
+
+    // "yyyy-MM-dd HH:mm:ss +0000" in the proleptic Gregorian calendar, GMT, seconds truncated;
+    // "" for a date that is not representable.
     std::string description() const;
 
     auto operator<=>(const Date&) const = default;

@@ -51,8 +51,10 @@ namespace VNUtilities {
 // scalars are accepted; for duplicate keys in an object the last one wins) and checks its kind.
 // ofClass absent accepts any kind; otherwise the result must be of that kind (Kind::number
 // includes booleans). On failure answers nil and, when error is not null, sets *error:
-// - text that is not JSON (also the empty text, invalid UTF-8 inside strings, trailing content,
-//   nesting beyond kJSONMaximumDepth): NSCocoaErrorDomain / kJSONReadCorruptErrorCode, with the
+// - text that is not JSON (also the empty text, text that is not well-formed UTF-8 anywhere:
+//   overlong forms and encoded surrogates included, a string escaping half of a surrogate pair
+//   alone ("\ud800", "\udc00", "\ud800\u0041"), trailing content, nesting beyond
+//   kJSONMaximumDepth): NSCocoaErrorDomain / kJSONReadCorruptErrorCode, with the
 //   platform's localized description and the parser's message under kJSONErrorDetailKey;
 // - a value of another kind: VNErrorDomain / 0 with VNErrUserInfoKey = VNErrCodeInvalidParameter
 //   and a kJSONErrorDetailKey naming both kinds.

@@ -42,8 +42,11 @@ class WKTString {
     // The common worker with any regular expression (ICU syntax, the platform's); the four
     // expressions above take the hand-written path. Raises "WKTString [splitString]" with
     // "Parameter input is nil" for a missing input and with "Parameter regExp is invalid" for
-    // an expression that does not compile. Other expressions read text that is not valid UTF-8
-    // with each bad sequence as U+FFFD; the four splitters pass such bytes through unchanged.
+    // an expression that does not compile, or whose matching on this input reaches the
+    // library's limits for regular expressions (the time and backtracking limits that
+    // RegularExpression documents), so that no expression hangs. Other expressions read text that
+    // is not valid UTF-8 with each bad sequence as U+FFFD; the four splitters pass such bytes
+    // through unchanged.
     static std::vector<std::string> splitString(std::optional<std::string_view> input,
                                                 std::string_view regExp);
 };
