@@ -79,10 +79,15 @@ std::optional<Number> VNNumberWithPictureFormatter::numberFromString(std::string
         }
     }
     const std::string digits = joinedInReverse(collected);
+    if (digits.empty()) {
+        fatalError("VNNumberWithPictureFormatter: no digit in \"" + std::string(text) +
+                   "\" for the mask \"" + numberFormat_ + "\"");
+    }
     std::int64_t value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (digits.empty() || error != std::errc() || end != digits.data() + digits.size()) {
-        return std::nullopt;
+    if (error != std::errc() || end != digits.data() + digits.size()) {
+        fatalError("VNNumberWithPictureFormatter: \"" + digits +
+                   "\" does not fit a 64-bit integer");
     }
     return Number(value);
 }

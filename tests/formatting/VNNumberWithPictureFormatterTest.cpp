@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "vn/coding/KeyedArchiver.h"
 #include "vn/coding/KeyedUnarchiver.h"
 
@@ -75,18 +73,12 @@ TEST(VNNumberWithPictureFormatterDeathTest, PlainInitializerIsUnavailable) {
                  "'VNFoundation.VNNumberWithPictureFormatter'");
 }
 
-TEST(VNNumberWithPictureFormatter, TextWithoutDigitsOrBeyond64BitsIsNoNumber) {
+TEST(VNNumberWithPictureFormatterDeathTest, TextWithoutDigitsOrBeyond64BitsIsFatal) {
     VNNumberWithPictureFormatter optional("##");
-    EXPECT_EQ(optional.numberFromString("ab"), std::nullopt);
-    EXPECT_EQ(optional.numberFromString(""), std::nullopt);
-    VNNumberWithPictureFormatter dashed("##-##");
-    EXPECT_EQ(dashed.numberFromString("-"), std::nullopt);
-    VNNumberWithPictureFormatter literalOnly("abc");
-    EXPECT_EQ(literalOnly.numberFromString("abc"), std::nullopt);
+    EXPECT_DEATH(static_cast<void>(optional.numberFromString("ab")), "no digit");
     VNNumberWithPictureFormatter wide(std::string(25, '0'));
-    EXPECT_EQ(wide.numberFromString(std::string(25, '9')), std::nullopt);
-    EXPECT_EQ(wide.numberFromString(std::string(6, '0') + "9223372036854775807"),
-              Number(std::numeric_limits<std::int64_t>::max()));
+    EXPECT_DEATH(static_cast<void>(wide.numberFromString(std::string(25, '9'))),
+                 "does not fit a 64-bit integer");
 }
 
 }  // namespace

@@ -16,8 +16,9 @@
 // needs a digit (else the result is absent); "#" takes a digit, and passes over anything
 // else without consuming it; other mask characters must match the text exactly (else
 // absent); text beyond the mask is ignored. The collected digits are the integer result.
-// A text that yields no digit at all, or more digits than a signed 64-bit integer holds, is
-// not a number of the mask either: the result is absent. Reading text never stops the process.
+// A text that yields no digit at all, or more digits than a signed 64-bit integer holds,
+// stops the process (fatalError): such a text can only come from a caller that ignored the
+// mask.
 //
 // Everything else (affixes, locale, ...) is inherited and does not take part in the mask's
 // conversions. Thread safety as for NumberFormatter: one thread at a time.
@@ -55,8 +56,7 @@ class VNNumberWithPictureFormatter : public NumberFormatter, public Coding {
     }
 
     [[nodiscard]] std::string stringFromNumber(const Number& number) const override;
-    // Absent when the text does not fit the mask or yields no digit or too many; the result is
-    // a signed integer number.
+    // Absent when the text does not fit the mask; the result is a signed integer number.
     [[nodiscard]] std::optional<Number> numberFromString(std::string_view text) const override;
     // A number value through stringFromNumber; absent for any other kind of value.
     std::optional<std::string> stringForObjectValue(const Value& value) const override;
