@@ -86,6 +86,7 @@
 #include "vn/formatting/Calendar.h"
 #include "vn/formatting/DateFormatter.h"
 #include "vn/formatting/DateVN.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/formatting/MessageFormat.h"
 #include "vn/formatting/MimeType.h"
 #include "vn/formatting/NumberFormatter.h"

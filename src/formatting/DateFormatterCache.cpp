@@ -11,9 +11,6 @@ namespace {
 
 using formatting_internal::threadCachedObject;
 
-static_assert(DateFormatter::kCachedFormattersPerThread ==
-              formatting_internal::kThreadCacheCapacity);
-
 formatting_internal::LocaleChangeCacheObserver& dateFormatterObserver() {
     static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSDateFormatter");  // process-wide, never destroyed

@@ -1,11 +1,14 @@
 #include "formatting/FormatterCache.h"
 
+#include <atomic>
+
 #include <list>
 #include <map>
 #include <optional>
 #include <unordered_map>
 
 #include "vn/concurrency/DispatchQueue.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/platform/Locale.h"
 #include "vn/platform/NotificationCenter.h"
 
@@ -22,15 +25,19 @@ namespace {
 // One family's keys on one thread, most recently requested first.
 class RecentKeys {
   public:
-    // Moves key to the front (adding it when new); answers the key pushed out beyond capacity.
-    std::optional<std::string> use(std::string_view key) {
+    // Moves key to the front, adding it when new.
+    void use(std::string_view key) {
         if (const auto found = positions_.find(key); found != positions_.end()) {
             order_.splice(order_.begin(), order_, found->second);
-            return std::nullopt;
+            return;
         }
         order_.emplace_front(key);
         positions_.emplace(order_.front(), order_.begin());
-        if (order_.size() <= kThreadCacheCapacity) return std::nullopt;
+    }
+
+    // Forgets and answers the least recently requested key while there are more than limit.
+    std::optional<std::string> popOldestBeyond(std::size_t limit) {
+        if (order_.size() <= limit) return std::nullopt;
         positions_.erase(std::string_view(order_.back()));  // before its string moves away
         std::string oldest = std::move(order_.back());
         order_.pop_back();
@@ -48,6 +55,8 @@ class RecentKeys {
     std::unordered_map<std::string_view, std::list<std::string>::iterator> positions_;
 };
 
+std::atomic<std::size_t> limitPerThread{0};
+
 RecentKeys& recentKeysOf(std::string_view prefix) {
     thread_local std::map<std::string_view, RecentKeys> families;  // prefixes are literals
     return families[prefix];
@@ -56,7 +65,11 @@ RecentKeys& recentKeysOf(std::string_view prefix) {
 }  // namespace
 
 void noteThreadCacheUse(std::string_view prefix, std::string_view key) {
-    if (const std::optional<std::string> evicted = recentKeysOf(prefix).use(key))
+    RecentKeys& keys = recentKeysOf(prefix);
+    keys.use(key);
+    const std::size_t limit = limitPerThread.load(std::memory_order_relaxed);
+    if (limit == 0) return;
+    while (const std::optional<std::string> evicted = keys.popOldestBeyond(limit))
         Thread::threadDictionary().erase(*evicted);
 }
 
@@ -87,3 +100,15 @@ std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head
 }
 
 }  // namespace vn::formatting_internal
+
+namespace vn {
+
+std::size_t cachedFormattersPerThreadLimit() {
+    return formatting_internal::limitPerThread.load(std::memory_order_relaxed);
+}
+
+void setCachedFormattersPerThreadLimit(std::size_t limit) {
+    formatting_internal::limitPerThread.store(limit, std::memory_order_relaxed);
+}
+
+}  // namespace vn

@@ -2,10 +2,9 @@
 // string keys, and an observer registered once per process clears one family of keys from
 // the main thread's dictionary when the current locale changes.
 //
-// Each family keeps at most kThreadCacheCapacity formatters per thread: a thread that meets
-// ever new pictures or patterns would otherwise keep every formatter it ever made (several
-// kilobytes each). The family remembers the order in which its keys were last requested, and
-// a new entry beyond the capacity removes the least recently requested one.
+// Each family remembers the order in which its keys were last requested on the thread; under
+// a per-thread limit (see vn/formatting/FormatterCacheLimit.h) a request that leaves the family
+// above it removes the least recently requested entries.
 //
 // Keys are built in a reusable thread-local buffer and looked up without allocating, so a
 // cache hit costs one key build and two lookups (the entry and its place in the order).
@@ -26,12 +25,9 @@ namespace vn::formatting_internal {
 // The calling thread's key buffer, emptied; valid until the next call on this thread.
 std::string& reusableKeyBuffer();
 
-// How many formatters one family keeps per thread.
-inline constexpr std::size_t kThreadCacheCapacity = 256;
-
 // Records that key of the family with the given prefix was just requested on the calling
-// thread; when the family then holds more than kThreadCacheCapacity keys, removes the least
-// recently requested one from the thread's dictionary.
+// thread; when a limit is set and the family then holds more keys, removes the least recently
+// requested ones from the thread's dictionary.
 void noteThreadCacheUse(std::string_view prefix, std::string_view key);
 
 // Removes every entry whose key begins with prefix from the calling thread's dictionary, and
@@ -61,7 +57,7 @@ std::string& beginKey(LocaleChangeCacheObserver& observer, std::string_view head
 
 // The cached object of type T under key in the calling thread's dictionary; on a miss (or
 // when the entry holds something else) build() makes one, which is stored and returned. The
-// family's capacity is kept. key may be the reusable buffer: build must therefore not request
+// family's limit is kept. key may be the reusable buffer: build must therefore not request
 // cached formatters itself.
 template <typename T, typename Builder>
 std::shared_ptr<T> threadCachedObject(const LocaleChangeCacheObserver& family, std::string_view key,

@@ -13,9 +13,6 @@ namespace {
 
 using formatting_internal::threadCachedObject;
 
-static_assert(NumberFormatter::kCachedFormattersPerThread ==
-              formatting_internal::kThreadCacheCapacity);
-
 formatting_internal::LocaleChangeCacheObserver& numberFormatterObserver() {
     static auto* observer = new formatting_internal::LocaleChangeCacheObserver(
         "VNNSNumberFormatter");  // process-wide, never destroyed

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "vn/formatting/DateVN.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/platform/Thread.h"
 
 namespace vn {
@@ -46,10 +47,12 @@ TEST(DateFormatter, PatternsAndTextsAreReadUpToTheirMaximumLength) {
     EXPECT_EQ(formatter.stringFromDate(kInstant), "");
     EXPECT_EQ(formatter.dateFromString("2020" + literal + "a"), std::nullopt);
 
-    formatter.setDateFormat("yyyy-MM-dd HH:mm:ss.SSS");
-    const std::string padded(DateFormatter::kMaximumTextLength - 23, '0');
-    EXPECT_EQ(formatter.dateFromString(padded + "2020-03-01 10:20:30.250"), kInstant);
-    EXPECT_EQ(formatter.dateFromString(padded + "02020-03-01 10:20:30.250"), std::nullopt);
+    // Without fractional seconds, so that the long run of digits is not refused for itself.
+    formatter.setDateFormat("yyyy-MM-dd HH:mm:ss");
+    const std::string padded(DateFormatter::kMaximumTextLength - 19, '0');
+    EXPECT_EQ(formatter.dateFromString(padded + "2020-03-01 10:20:30"),
+              kInstant.addingTimeInterval(-0.25));
+    EXPECT_EQ(formatter.dateFromString(padded + "02020-03-01 10:20:30"), std::nullopt);
     EXPECT_EQ(formatter.dateFromString(std::string(1 << 20, '9')), std::nullopt);
 }
 
@@ -209,8 +212,10 @@ TEST(DateFormatter, PosixFormattersAreCachedPerThreadAndPattern) {
     EXPECT_EQ(there->stringFromDate(kInstant), "2020/03/01");
 }
 
-TEST(DateFormatter, EachThreadKeepsABoundedNumberOfFormatters) {
-    constexpr std::size_t capacity = DateFormatter::kCachedFormattersPerThread;
+TEST(DateFormatter, UnderALimitEachThreadKeepsThatManyFormatters) {
+    const testing::ScopedProcessState state;
+    const std::size_t capacity = kSuggestedCachedFormattersPerThread;
+    setCachedFormattersPerThreadLimit(capacity);
     std::thread([&] {
         const auto first =
             DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(

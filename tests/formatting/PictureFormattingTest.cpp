@@ -13,6 +13,7 @@
 #include "testing/ScopedProcessState.h"
 #include "vn/concurrency/RunLoop.h"
 #include "vn/formatting/DateFormatter.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/formatting/NumberFormatter.h"
 #include "vn/formatting/VNNumberWithPictureFormatter.h"
 #include "vn/platform/Locale.h"
@@ -208,8 +209,17 @@ std::size_t cachedCount(std::string_view prefix) {
     return count;
 }
 
-TEST(VNPicture, EachThreadKeepsABoundedNumberOfFormattersLeastRecentlyUsedOut) {
-    constexpr std::size_t capacity = NumberFormatter::kCachedFormattersPerThread;
+TEST(VNPicture, UnderALimitEachThreadKeepsThatManyFormattersLeastRecentlyUsedOut) {
+    const testing::ScopedProcessState state;
+    std::thread([] {
+        EXPECT_EQ(NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false),
+                  NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false));
+        for (int i = 0; i < 300; ++i)
+            NumberFormatter::numberFormatterForVNPicture("Z" + std::to_string(i), "en_US", false);
+        EXPECT_EQ(cachedCount("VNNSNumberFormatter"), 301u);  // no limit by default
+    }).join();
+    const std::size_t capacity = kSuggestedCachedFormattersPerThread;
+    setCachedFormattersPerThreadLimit(capacity);
     std::thread([&] {
         const auto kept = NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false);
         const auto dropped = NumberFormatter::numberFormatterForNumberFormat("0.0", "en_US");

@@ -16,6 +16,7 @@
 #include "vn/log/VNLog.h"
 #endif
 #if VN_TESTING_HAS_FORMATTING
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/formatting/MimeType.h"
 #include "vn/formatting/TimeZone.h"
 #include "vn/formatting/VNTimeZone.h"
@@ -51,6 +52,9 @@ struct ScopedProcessState::Saved {
     UIApplicationState applicationState = VNExecutionEnvironmentHelper::applicationState();
     std::string locale = Locale::current().identifier();
     Value::Dictionary bundleInfo = Bundle::main().infoDictionary();
+#if VN_TESTING_HAS_FORMATTING
+    std::size_t formatterCacheLimit = cachedFormattersPerThreadLimit();
+#endif
 #if VN_TESTING_HAS_GEOMETRY
     std::optional<ScreenDescription> screen = Screen::main();
 #endif
@@ -95,6 +99,9 @@ ScopedProcessState::~ScopedProcessState() {
     VNExecutionEnvironmentHelper::setApplicationState(saved_->applicationState);
     restoreLocale(saved_->locale);
     Bundle::main().setInfoDictionary(saved_->bundleInfo);
+#if VN_TESTING_HAS_FORMATTING
+    setCachedFormattersPerThreadLimit(saved_->formatterCacheLimit);
+#endif
 #if VN_TESTING_HAS_GEOMETRY
     Screen::setMain(saved_->screen);
 #endif
@@ -106,6 +113,9 @@ void ScopedProcessState::resetToFresh() {
     VNUtilities::setIsTolvarApp(false);
     VNExecutionEnvironmentHelper::setApplicationState(UIApplicationState::active);
     Bundle::main().setInfoDictionary({});
+#if VN_TESTING_HAS_FORMATTING
+    setCachedFormattersPerThreadLimit(0);
+#endif
 #if VN_TESTING_HAS_GEOMETRY
     Screen::setMain(std::nullopt);
 #endif

@@ -4,9 +4,9 @@
 // "0001-01-01" and that text reads back as the same instant.
 //
 // The class also carries the model's cached date formatters, kept per thread in the thread
-// dictionary under keys that begin with "VNNSDateFormatter" (at most kCachedFormattersPerThread
-// per thread: one more removes the least recently requested), the short model date formats
-// and the mapping of the model's date and time formats to styles.
+// dictionary under keys that begin with "VNNSDateFormatter" (for the life of the thread unless
+// a host bounds them: vn/formatting/FormatterCacheLimit.h), the short model date formats and
+// the mapping of the model's date and time formats to styles.
 //
 // Thread safety: a formatter is not synchronised. Configure it and use it from one thread at
 // a time; the cached formatters are per thread for this reason.
@@ -97,7 +97,6 @@ class DateFormatter : public Object {
     std::string description() const override;
 
     // ---- The model's cached date formatters -----------------------------------------------
-    static constexpr std::size_t kCachedFormattersPerThread = 256;
     //
     // The first request made on the main thread registers, once per process, an observer of
     // NSCurrentLocaleDidChangeNotification on the main queue, which removes every

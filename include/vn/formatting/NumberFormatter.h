@@ -6,9 +6,8 @@
 // The class also carries the model's cached formatters (numberFormatterForVNPicture and its
 // siblings): formatters are costly to build and the same pictures recur on every row of a
 // list, so each thread keeps its own formatters in its thread dictionary, keyed by strings
-// that begin with "VNNSNumberFormatter". A thread keeps at most kCachedFormattersPerThread of
-// them: a request for one more removes the least recently requested formatter from the
-// thread dictionary (it is made anew when requested again).
+// that begin with "VNNSNumberFormatter", for the life of the thread unless a host bounds
+// them (vn/formatting/FormatterCacheLimit.h).
 //
 // Thread safety: a formatter is not synchronised. Configure it and use it from one thread at
 // a time; the cached formatters are per thread for exactly this reason. Never share a cached
@@ -123,7 +122,6 @@ class NumberFormatter : public Object {
     std::string description() const override;
 
     // ---- The model's cached formatters (per thread; see the top of this header) ----------
-    static constexpr std::size_t kCachedFormattersPerThread = 256;
     //
     // A locale identifier that is absent means that no locale is set: the formatter keeps the
     // user's current locale. The first request made on the main thread registers, once per
