@@ -3,6 +3,7 @@
 // aborts, which libFuzzer reports as a crash and the corpus replay as a failed test.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -38,7 +39,9 @@ std::array<std::string_view, N> fields(const std::uint8_t* data, std::size_t siz
 // every bit pattern, NaN and the infinities included.
 inline double doubleFromBytes(std::string_view text) {
     std::array<char, sizeof(double)> bytes{};
-    std::memcpy(bytes.data(), text.data(), text.size() < bytes.size() ? text.size() : bytes.size());
+    if (!text.empty()) {  // an empty view may hold a null pointer, which memcpy must not get
+        std::memcpy(bytes.data(), text.data(), std::min(text.size(), bytes.size()));
+    }
     double value = 0;
     std::memcpy(&value, bytes.data(), sizeof value);
     return value;
