@@ -9,6 +9,7 @@
 #include "FuzzInput.h"
 #include "vn/formatting/DateFormatter.h"
 #include "vn/formatting/DateVN.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 
 namespace {
 
@@ -31,6 +32,13 @@ void formatWithStyles(const vn::Date& date, unsigned choice) {
 }
 
 }  // namespace
+
+// Every input brings new patterns: the caches are bounded as a host with ever new patterns
+// bounds them, or memory would grow for the whole run.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    vn::setCachedFormattersPerThreadLimit(vn::kSuggestedCachedFormattersPerThread);
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto [pattern, text, dateBytes] = vn_fuzz::fields<3>(data, size);

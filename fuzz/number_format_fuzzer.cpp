@@ -8,6 +8,7 @@
 #include <string>
 
 #include "FuzzInput.h"
+#include "vn/formatting/FormatterCacheLimit.h"
 #include "vn/formatting/NumberFormatter.h"
 #include "vn/formatting/VNNumberWithPictureFormatter.h"
 
@@ -26,6 +27,13 @@ void exercise(const vn::NumberFormatterPtr& formatter, double number, std::strin
 }
 
 }  // namespace
+
+// Every input brings new patterns: the caches are bounded as a host with ever new patterns
+// bounds them, or memory would grow for the whole run.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    vn::setCachedFormattersPerThreadLimit(vn::kSuggestedCachedFormattersPerThread);
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto [picture, text, numberBytes] = vn_fuzz::fields<3>(data, size);

@@ -50,7 +50,7 @@ class RegularExpression final : public Object {
         std::vector<std::optional<StringRange>> groups;  // groups[0] is range
     };
 
-    static constexpr std::size_t kMatchTimeLimit = 1000;
+    static constexpr std::size_t kMatchTimeLimit = 100;
     static constexpr std::size_t kMatchTimeLimitBytesPerUnit = 1000;
     static constexpr std::int32_t kMatchStackLimit = 8 * 1024 * 1024;
 

@@ -18,7 +18,7 @@
 
 namespace vn::platform_internal {
 
-inline constexpr std::size_t kRegexTimeLimit = 1000;               // units for any text
+inline constexpr std::size_t kRegexTimeLimit = 100;                // units for any text
 inline constexpr std::size_t kRegexTimeLimitBytesPerUnit = 1000;   // one more unit per so many
 inline constexpr std::int32_t kRegexStackLimit = 8 * 1024 * 1024;  // bytes of backtracking
 
