@@ -1,6 +1,7 @@
 #include "formatting/FormatterCache.h"
 
 #include <atomic>
+#include <iterator>
 
 #include <list>
 #include <map>
@@ -22,9 +23,28 @@ std::string& reusableKeyBuffer() {
 
 namespace {
 
-// One family's keys on one thread, most recently requested first.
+// One family's keys on one thread, most recently requested first. The order is only kept
+// while a limit is set; when one is set, the family's entries already in the dictionary join
+// it as the least recently requested.
 class RecentKeys {
   public:
+    bool isTracking() const { return tracking_; }
+
+    void startTracking(std::string_view prefix) {
+        tracking_ = true;
+        const Value::Dictionary& dictionary = Thread::threadDictionary();
+        for (auto it = dictionary.lower_bound(prefix);
+             it != dictionary.end() && std::string_view(it->first).starts_with(prefix); ++it) {
+            order_.emplace_back(it->first);
+            positions_.emplace(order_.back(), std::prev(order_.end()));
+        }
+    }
+
+    void stopTracking() {
+        clear();
+        tracking_ = false;
+    }
+
     // Moves key to the front, adding it when new.
     void use(std::string_view key) {
         if (const auto found = positions_.find(key); found != positions_.end()) {
@@ -50,6 +70,7 @@ class RecentKeys {
     }
 
   private:
+    bool tracking_ = false;
     std::list<std::string> order_;
     // Views of the strings in order_, whose nodes never move.
     std::unordered_map<std::string_view, std::list<std::string>::iterator> positions_;
@@ -57,18 +78,34 @@ class RecentKeys {
 
 std::atomic<std::size_t> limitPerThread{0};
 
+using Families = std::map<std::string_view, RecentKeys>;  // prefixes are literals
+
+Families& threadFamilies() {
+    thread_local Families families;
+    return families;
+}
+
 RecentKeys& recentKeysOf(std::string_view prefix) {
-    thread_local std::map<std::string_view, RecentKeys> families;  // prefixes are literals
-    return families[prefix];
+    return threadFamilies()[prefix];
 }
 
 }  // namespace
 
 void noteThreadCacheUse(std::string_view prefix, std::string_view key) {
-    RecentKeys& keys = recentKeysOf(prefix);
-    keys.use(key);
+    // Without a limit (the default) a request costs nothing more than its lookup.
+    thread_local bool anyTracking = false;
     const std::size_t limit = limitPerThread.load(std::memory_order_relaxed);
-    if (limit == 0) return;
+    if (limit == 0) {
+        if (anyTracking) {
+            for (auto& [familyPrefix, keys] : threadFamilies()) keys.stopTracking();
+            anyTracking = false;
+        }
+        return;
+    }
+    RecentKeys& keys = recentKeysOf(prefix);
+    if (!keys.isTracking()) keys.startTracking(prefix);
+    anyTracking = true;
+    keys.use(key);
     while (const std::optional<std::string> evicted = keys.popOldestBeyond(limit))
         Thread::threadDictionary().erase(*evicted);
 }

@@ -2,9 +2,10 @@
 // string keys, and an observer registered once per process clears one family of keys from
 // the main thread's dictionary when the current locale changes.
 //
-// Each family remembers the order in which its keys were last requested on the thread; under
-// a per-thread limit (see vn/formatting/FormatterCacheLimit.h) a request that leaves the family
-// above it removes the least recently requested entries.
+// Under a per-thread limit (see vn/formatting/FormatterCacheLimit.h) each family remembers the
+// order in which its keys were last requested on the thread, and a request that leaves the
+// family above the limit removes the least recently requested entries. Without one, nothing is
+// tracked.
 //
 // Keys are built in a reusable thread-local buffer and looked up without allocating, so a
 // cache hit costs one key build and two lookups (the entry and its place in the order).

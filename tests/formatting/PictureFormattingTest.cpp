@@ -217,9 +217,13 @@ TEST(VNPicture, UnderALimitEachThreadKeepsThatManyFormattersLeastRecentlyUsedOut
         for (int i = 0; i < 300; ++i)
             NumberFormatter::numberFormatterForVNPicture("Z" + std::to_string(i), "en_US", false);
         EXPECT_EQ(cachedCount("VNNSNumberFormatter"), 301u);  // no limit by default
+        // A limit set later also bounds what the thread made before it.
+        const auto kept = NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false);
+        setCachedFormattersPerThreadLimit(kSuggestedCachedFormattersPerThread);
+        EXPECT_EQ(NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false), kept);
+        EXPECT_EQ(cachedCount("VNNSNumberFormatter"), kSuggestedCachedFormattersPerThread);
     }).join();
     const std::size_t capacity = kSuggestedCachedFormattersPerThread;
-    setCachedFormattersPerThreadLimit(capacity);
     std::thread([&] {
         const auto kept = NumberFormatter::numberFormatterForVNPicture("ZZ9", "en_US", false);
         const auto dropped = NumberFormatter::numberFormatterForNumberFormat("0.0", "en_US");

@@ -7,7 +7,8 @@
 // kilobytes) sets a limit, for example kSuggestedCachedFormattersPerThread: a request that
 // leaves a family above it removes that family's least recently requested formatters from the
 // thread's dictionary; they are made anew when requested again. A new limit takes effect on
-// each thread at its next request for a cached formatter. Safe from any thread.
+// each thread at its next request for a cached formatter, the formatters it made before
+// counting as the least recently requested. Safe from any thread.
 #pragma once
 
 #include <cstddef>
