@@ -64,20 +64,21 @@ static_assert(RegularExpression::kMatchTimeLimit == platform_internal::kRegexTim
 static_assert(RegularExpression::kMatchTimeLimitBytesPerUnit ==
               platform_internal::kRegexTimeLimitBytesPerUnit);
 static_assert(RegularExpression::kMatchStackLimit == platform_internal::kRegexStackLimit);
+static_assert(RegularExpression::kMatchWallTimeLimitMilliseconds ==
+              platform_internal::kRegexWallTimeLimitMilliseconds);
 
 }  // namespace
 
 struct RegularExpression::Impl {
     std::unique_ptr<icu::RegexPattern> pattern;
 
-    std::unique_ptr<icu::RegexMatcher> matcherFor(const Utf8Text& text,
-                                                  std::size_t textLength) const {
+    platform_internal::LimitedRegexMatcher matcherFor(const Utf8Text& text,
+                                                      std::size_t textLength) const {
         UErrorCode status = U_ZERO_ERROR;
         std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
-        if (U_FAILURE(status) || !matcher) return nullptr;
-        matcher->reset(text.get());
-        platform_internal::limitRegexMatching(*matcher, textLength);
-        return matcher;
+        if (U_FAILURE(status)) matcher.reset();
+        if (matcher) matcher->reset(text.get());
+        return platform_internal::LimitedRegexMatcher(std::move(matcher), textLength);
     }
 };
 
@@ -164,9 +165,9 @@ std::string RegularExpression::stringByReplacingMatches(
     std::string_view text, std::string_view replacementTemplate) const {
     const icu::UnicodeString input = toUnicode(text);
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::RegexMatcher> matcher(impl_->pattern->matcher(input, status));
+    const platform_internal::LimitedRegexMatcher matcher(
+        std::unique_ptr<icu::RegexMatcher>(impl_->pattern->matcher(input, status)), text.size());
     if (U_FAILURE(status) || !matcher) return std::string(text);
-    platform_internal::limitRegexMatching(*matcher, text.size());
     // A template that refers to a group the pattern does not have replaces nothing, and so
     // does a replacement that reaches a matching limit.
     const std::optional<icu::UnicodeString> replaced =

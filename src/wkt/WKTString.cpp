@@ -46,9 +46,11 @@ std::vector<std::string> splitWithICU(std::string_view text, std::string_view re
     if (U_FAILURE(status)) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
     const icu::UnicodeString input =
         icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), text.size()));
-    std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(input, status));
-    if (U_FAILURE(status)) wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
-    platform_internal::limitRegexMatching(*matcher, static_cast<std::size_t>(input.length()));
+    const platform_internal::LimitedRegexMatcher matcher(
+        std::unique_ptr<icu::RegexMatcher>(compiled->matcher(input, status)),
+        static_cast<std::size_t>(input.length()));
+    if (U_FAILURE(status) || !matcher)
+        wkt_internal::raise(kExceptionName, "Parameter regExp is invalid");
     // A replacement that reaches a matching limit fails like an expression that is invalid.
     const std::optional<icu::UnicodeString> replaced =
         platform_internal::replacingAllMatches(*matcher, icu::UnicodeString(u"[SPLIT]"));

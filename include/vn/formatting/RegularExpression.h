@@ -6,12 +6,15 @@
 // be used from several threads at once.
 //
 // Matching is bounded, so that no pattern hangs or exhausts memory ("^+?b" on "ab" would loop
-// in ICU): each operation (a first match, all matches, a count, a replacement) runs under
-// ICU's time limit of kMatchTimeLimit units plus one per kMatchTimeLimitBytesPerUnit bytes of
-// text (a unit is about ten thousand matching steps), and under a backtracking memory limit of
-// kMatchStackLimit bytes. An operation that reaches a limit fails as "no match": no match, no
-// matches (never a part of them), a count of 0, whole-text match false, replacement text
-// unchanged.
+// in ICU): each operation (a first match, all matches, a count, a replacement) runs under a
+// matching-time budget of kMatchTimeLimit units plus one per kMatchTimeLimitBytesPerUnit bytes
+// of text (a unit is about ten thousand matching steps), counted over the whole operation
+// however many matches it finds; within kMatchWallTimeLimitMilliseconds milliseconds plus one
+// per kMatchTimeLimitBytesPerUnit bytes of text (steps cost more with larger patterns, so on a
+// slow or busy machine a heavy but finite match may end there); and under a backtracking
+// memory limit of kMatchStackLimit bytes. An operation that reaches a limit fails as "no
+// match": no match, no matches (never a part of them), a count of 0, whole-text match false,
+// replacement text unchanged.
 #pragma once
 
 #include <cstddef>
@@ -53,6 +56,7 @@ class RegularExpression final : public Object {
     static constexpr std::size_t kMatchTimeLimit = 100;
     static constexpr std::size_t kMatchTimeLimitBytesPerUnit = 1000;
     static constexpr std::int32_t kMatchStackLimit = 8 * 1024 * 1024;
+    static constexpr std::size_t kMatchWallTimeLimitMilliseconds = 100;
 
     // Compiles pattern. A pattern that does not compile gives null and, through error, an
     // error of NSCocoaErrorDomain with code 2048 whose user information holds the pattern
