@@ -85,6 +85,7 @@ function(vn_add_benchmark name)
   vn_require_packages(${ARG_LIBRARIES})
   add_executable(${name} ${ARG_SOURCES})
   target_compile_options(${name} PRIVATE ${VN_WARNINGS})
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  # tests/ for the header-only benchmark helpers of the test-support library (testing/).
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE vnfoundation benchmark::benchmark ${ARG_LIBRARIES} Threads::Threads)
 endfunction()

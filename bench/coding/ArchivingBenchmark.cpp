@@ -4,21 +4,15 @@
 
 #include <string>
 
+#include "testing/InputLengthScaling.h"
 #include "vn/coding/KeyedArchiver.h"
 
 namespace {
 
-std::string repeated(std::string_view unit, std::size_t length) {
-    std::string text;
-    text.reserve(length + unit.size());
-    while (text.size() < length) text.append(unit);
-    text.resize(length);
-    return text;
-}
-
-std::size_t lengthOf(const benchmark::State& state) {
-    return static_cast<std::size_t>(state.range(0));
-}
+using vn::testing::inputLength;
+using vn::testing::overInputLengths;
+using vn::testing::recordInputLength;
+using vn::testing::repeated;
 
 void archive(benchmark::State& state, const vn::Value& value) {
     for (auto _ : state) {
@@ -26,55 +20,40 @@ void archive(benchmark::State& state, const vn::Value& value) {
         if (!bytes) state.SkipWithError("the value did not archive");
         benchmark::DoNotOptimize(bytes);
     }
-    state.SetComplexityN(state.range(0));
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
+    recordInputLength(state);
 }
 
 void BM_ArchiveAsciiText(benchmark::State& state) {
-    archive(state, vn::Value(repeated("a", lengthOf(state))));
+    archive(state, vn::Value(repeated("a", inputLength(state))));
 }
 void BM_ArchiveAccentedText(benchmark::State& state) {
-    archive(state, vn::Value(repeated("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", lengthOf(state))));
+    archive(state,
+            vn::Value(repeated("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", inputLength(state))));
 }
 void BM_ArchiveDistinctTexts(benchmark::State& state) {
     vn::Value::Array texts;
-    for (std::size_t i = 0; i < lengthOf(state) / 16; ++i)
+    for (std::size_t i = 0; i < inputLength(state) / 16; ++i)
         texts.emplace_back(std::to_string(1000000 + i));
     archive(state, vn::Value(std::move(texts)));
 }
 void BM_ArchiveDistinctNumbers(benchmark::State& state) {
     vn::Value::Array numbers;
-    for (std::size_t i = 0; i < lengthOf(state) / 16; ++i)
+    for (std::size_t i = 0; i < inputLength(state) / 16; ++i)
         numbers.emplace_back(vn::Number(static_cast<std::int64_t>(i)));
     archive(state, vn::Value(std::move(numbers)));
 }
 void BM_ArchiveManyKeys(benchmark::State& state) {
     vn::Value::Dictionary members;
-    for (std::size_t i = 0; i < lengthOf(state) / 16; ++i)
+    for (std::size_t i = 0; i < inputLength(state) / 16; ++i)
         members.emplace(std::to_string(1000000 + i), vn::Value(std::string("v")));
     archive(state, vn::Value(std::move(members)));
 }
 
-BENCHMARK(BM_ArchiveAsciiText)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
-BENCHMARK(BM_ArchiveAccentedText)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
-BENCHMARK(BM_ArchiveDistinctTexts)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oNLogN);
-BENCHMARK(BM_ArchiveDistinctNumbers)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oNLogN);
-BENCHMARK(BM_ArchiveManyKeys)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_ArchiveAsciiText)->Apply(overInputLengths)->Complexity(benchmark::oN);
+BENCHMARK(BM_ArchiveAccentedText)->Apply(overInputLengths)->Complexity(benchmark::oN);
+BENCHMARK(BM_ArchiveDistinctTexts)->Apply(overInputLengths)->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_ArchiveDistinctNumbers)->Apply(overInputLengths)->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_ArchiveManyKeys)->Apply(overInputLengths)->Complexity(benchmark::oNLogN);
 
 }  // namespace
 

@@ -7,34 +7,23 @@
 #include <optional>
 #include <string>
 
+#include "testing/InputLengthScaling.h"
 #include "vn/formatting/DateFormatter.h"
 #include "vn/formatting/NumberFormatter.h"
 #include "vn/platform/Thread.h"
 
 namespace {
 
+using vn::testing::inputLength;
+using vn::testing::overInputLengths;
+using vn::testing::recordInputLength;
+using vn::testing::repeated;
+
 const std::optional<std::string> kLocale = std::string("en_US");
-
-std::string repeated(std::string_view unit, std::size_t length) {
-    std::string text;
-    text.reserve(length + unit.size());
-    while (text.size() < length) text.append(unit);
-    text.resize(length);
-    return text;
-}
-
-std::size_t lengthOf(const benchmark::State& state) {
-    return static_cast<std::size_t>(state.range(0));
-}
-
-void finish(benchmark::State& state) {
-    state.SetComplexityN(state.range(0));
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
-}
 
 // A picture of nines: translated, compiled by ICU, used to format and to read a digit run.
 void BM_PictureOfNines(benchmark::State& state) {
-    const std::string picture = repeated("9", lengthOf(state));
+    const std::string picture = repeated("9", inputLength(state));
     const std::string key = "VNNSNumberFormatterWithVNPicture" + picture + "LocaleId" + *kLocale;
     for (auto _ : state) {
         vn::Thread::threadDictionary().erase(key);
@@ -42,57 +31,48 @@ void BM_PictureOfNines(benchmark::State& state) {
         benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(std::int64_t{12345})));
         benchmark::DoNotOptimize(formatter->numberFromString(picture));
     }
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_PictureOfNines)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_PictureOfNines)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 // A picture with literal text between positions, which makes a mask formatter.
 void BM_MaskPicture(benchmark::State& state) {
-    const std::string picture = repeated("999-", lengthOf(state));
+    const std::string picture = repeated("999-", inputLength(state));
     const std::string key = "VNNSNumberFormatterWithVNPicture" + picture + "LocaleId" + *kLocale;
     for (auto _ : state) {
         vn::Thread::threadDictionary().erase(key);
         auto formatter = vn::NumberFormatter::numberFormatterForVNPicture(picture, kLocale, true);
         benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(std::int64_t{12345})));
     }
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_MaskPicture)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
+BENCHMARK(BM_MaskPicture)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 // A number pattern of nines (an ICU rounding increment) and a fraction of nines.
 void BM_NumberPatternOfNines(benchmark::State& state) {
-    const std::string pattern = "0." + repeated("9", lengthOf(state));
+    const std::string pattern = "0." + repeated("9", inputLength(state));
     const std::string key = "VNNSNumberFormatterWithFormat" + pattern + "LocaleId" + *kLocale;
     for (auto _ : state) {
         vn::Thread::threadDictionary().erase(key);
         auto formatter = vn::NumberFormatter::numberFormatterForNumberFormat(pattern, kLocale);
         benchmark::DoNotOptimize(formatter->stringFromNumber(vn::Number(1.5)));
     }
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_NumberPatternOfNines)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_NumberPatternOfNines)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 // Reading a long digit run with an ordinary pattern.
 void BM_NumberTextOfNines(benchmark::State& state) {
-    const std::string text = repeated("9", lengthOf(state));
+    const std::string text = repeated("9", inputLength(state));
     const auto formatter = vn::NumberFormatter::numberFormatterForNumberFormat("#,##0.00", kLocale);
     for (auto _ : state) benchmark::DoNotOptimize(formatter->numberFromString(text));
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_NumberTextOfNines)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_NumberTextOfNines)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 // A date pattern of adjacent numeric fields, formatting an instant and reading it back.
 void BM_DatePatternOfAdjacentFields(benchmark::State& state) {
-    const std::string pattern = repeated("HHmm", lengthOf(state));
+    const std::string pattern = repeated("HHmm", inputLength(state));
     const std::string key = "VNNSDateFormatterWithFormat" + pattern;
     const vn::Date instant = vn::Date::fromTimeIntervalSince1970(3600);
     for (auto _ : state) {
@@ -103,26 +83,20 @@ void BM_DatePatternOfAdjacentFields(benchmark::State& state) {
         const std::string text = formatter->stringFromDate(instant);
         benchmark::DoNotOptimize(formatter->dateFromString(text));
     }
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_DatePatternOfAdjacentFields)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_DatePatternOfAdjacentFields)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 // Reading a long digit run as a date.
 void BM_DateTextOfNines(benchmark::State& state) {
-    const std::string text = repeated("9", lengthOf(state));
+    const std::string text = repeated("9", inputLength(state));
     const auto formatter =
         vn::DateFormatter::dateFormatterWithTimeZone_UTC_Locale_en_US_POSIX_forDateFormat(
             "yyyy-MM-dd");
     for (auto _ : state) benchmark::DoNotOptimize(formatter->dateFromString(text));
-    finish(state);
+    recordInputLength(state);
 }
-BENCHMARK(BM_DateTextOfNines)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_DateTextOfNines)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 }  // namespace
 

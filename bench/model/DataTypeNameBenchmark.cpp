@@ -5,17 +5,15 @@
 #include <optional>
 #include <string>
 
+#include "testing/InputLengthScaling.h"
 #include "vn/model/VNDataType.h"
 
 namespace {
 
-std::string repeated(std::string_view unit, std::size_t length) {
-    std::string text;
-    text.reserve(length + unit.size());
-    while (text.size() < length) text.append(unit);
-    text.resize(length);
-    return text;
-}
+using vn::testing::inputLength;
+using vn::testing::overInputLengths;
+using vn::testing::recordInputLength;
+using vn::testing::repeated;
 
 void readName(benchmark::State& state, std::string_view unit, std::string_view suffix) {
     const vn::Value name(repeated(unit, static_cast<std::size_t>(state.range(0))) +
@@ -27,8 +25,7 @@ void readName(benchmark::State& state, std::string_view unit, std::string_view s
         benchmark::DoNotOptimize(
             vn::VNDataTypeWithInfoFromString(name, extended, &length, &decimals));
     }
-    state.SetComplexityN(state.range(0));
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
+    recordInputLength(state);
 }
 
 void BM_AsciiName(benchmark::State& state) {
@@ -44,16 +41,10 @@ void BM_TypPrefixedAccentedName(benchmark::State& state) {
     readName(state, "typ/\xC3\x9F", "");
 }
 
-BENCHMARK(BM_AsciiName)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
-BENCHMARK(BM_AccentedNameWithSize)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
-BENCHMARK(BM_MalformedName)->RangeMultiplier(8)->Range(1 << 10, 1 << 20)->Complexity(benchmark::oN);
-BENCHMARK(BM_TypPrefixedAccentedName)
-    ->RangeMultiplier(8)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN);
+BENCHMARK(BM_AsciiName)->Apply(overInputLengths)->Complexity(benchmark::oN);
+BENCHMARK(BM_AccentedNameWithSize)->Apply(overInputLengths)->Complexity(benchmark::oN);
+BENCHMARK(BM_MalformedName)->Apply(overInputLengths)->Complexity(benchmark::oN);
+BENCHMARK(BM_TypPrefixedAccentedName)->Apply(overInputLengths)->Complexity(benchmark::oN);
 
 }  // namespace
 
