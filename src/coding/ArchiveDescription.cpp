@@ -1,6 +1,5 @@
 // The readable tree of KeyedUnarchiver::describeArchive.
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -90,23 +89,11 @@ class TreeWriter {
 
     // Every field of a dictionary node except "$class", keys unescaped.
     void writeFields(plist_t dictionary, int indent) {
-        plist_dict_iter iterator = nullptr;
-        plist_dict_new_iter(dictionary, &iterator);
-        for (;;) {
-            char* key = nullptr;
-            plist_t value = nullptr;
-            plist_dict_next_item(dictionary, iterator, &key, &value);
-            if (!value) {
-                std::free(key);
-                break;
-            }
-            std::string name = key ? key : "";
-            std::free(key);
-            if (name == kClassKey) continue;
+        forEachDictionaryItem(dictionary, [&](std::string name, plist_t value) {
+            if (name == kClassKey) return;
             if (name.rfind("$$", 0) == 0) name.erase(0, 1);
             writeNode(name + " = ", value, indent);
-        }
-        std::free(iterator);
+        });
     }
 
     // A field node: a reference, a plain value or an inline array.

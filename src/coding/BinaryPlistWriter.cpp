@@ -1,13 +1,13 @@
 #include "coding/BinaryPlistWriter.h"
 
 #include <bit>
-#include <cstdlib>
 #include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "coding/PlistNode.h"
 #include "platform/internal/Utf8.h"
 
 namespace vn::coding_internal {
@@ -77,22 +77,11 @@ class Flattener {
     void addDictionaryItems(plist_t dictionary, std::uint64_t index) {
         std::vector<plist_t> values;
         std::vector<std::uint64_t> keyReferences;
-        plist_dict_iter iterator = nullptr;
-        plist_dict_new_iter(dictionary, &iterator);
-        for (;;) {
-            char* key = nullptr;
-            plist_t value = nullptr;
-            plist_dict_next_item(dictionary, iterator, &key, &value);
-            if (!value) {
-                std::free(key);
-                break;
-            }
-            keys_.emplace_back(key ? key : "");
-            std::free(key);
+        coding_internal::forEachDictionaryItem(dictionary, [&](std::string key, plist_t value) {
+            keys_.push_back(std::move(key));
             keyReferences.push_back(addText(keys_.back()));
             values.push_back(value);
-        }
-        std::free(iterator);
+        });
         std::vector<std::uint64_t> references = std::move(keyReferences);
         for (plist_t value : values) references.push_back(add(value));
         entries[index].references = std::move(references);

@@ -33,6 +33,23 @@ inline std::optional<std::string_view> stringOf(plist_t node) {
     return std::string_view(text, static_cast<std::size_t>(length));
 }
 
+// Calls visit(key, value) for every entry of a dictionary node, in the node's order.
+template <typename Visit>
+void forEachDictionaryItem(plist_t dictionary, Visit&& visit) {
+    plist_dict_iter iterator = nullptr;
+    plist_dict_new_iter(dictionary, &iterator);
+    for (;;) {
+        char* key = nullptr;
+        plist_t value = nullptr;
+        plist_dict_next_item(dictionary, iterator, &key, &value);
+        std::string name = key ? key : "";
+        std::free(key);
+        if (!value) break;
+        visit(std::move(name), value);
+    }
+    std::free(iterator);
+}
+
 // The reference of a UID node; absent for any other node.
 inline std::optional<std::uint64_t> uidOf(plist_t node) {
     if (!isType(node, PLIST_UID)) return std::nullopt;
