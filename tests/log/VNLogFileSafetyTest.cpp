@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <optional>
 #include <sstream>
 #include <string>
 
@@ -30,41 +29,54 @@ std::string contentOf(const fs::path& path) {
     return content.str();
 }
 
-// A fresh folder under base, removed with everything in it at the end of the scope.
-class ScratchFolder {
+// The folder a death test works in, with a victim file and, at the log file's name, a link to
+// it. The child runs the test body again: the parent makes the folder under base, plants the
+// link and names the folder in variable; the child finds it there and makes nothing. The
+// parent removes the folder with everything in it at the end of the scope.
+class PlantedLinkFolder {
   public:
-    explicit ScratchFolder(const std::string& base) {
+    PlantedLinkFolder(const char* variable, const std::string& base) : variable_(variable) {
+        if (const char* inherited = std::getenv(variable)) {
+            path_ = inherited;
+            return;
+        }
         std::string pattern = base + "vn-log-safety-XXXXXX";
-        if (mkdtemp(pattern.data())) path_ = pattern;
+        if (!mkdtemp(pattern.data())) return;
+        path_ = pattern;
+        isParent_ = true;
+        setenv(variable, path_.c_str(), 1);
+        std::ofstream(victim()) << kVictimContent;
+        fs::create_symlink(victim(), logFile());
     }
-    ~ScratchFolder() {
+    ~PlantedLinkFolder() {
+        if (!isParent_) return;
+        unsetenv(variable_);
         std::error_code ignored;
-        if (!path_.empty()) fs::remove_all(path_, ignored);
+        fs::remove_all(path_, ignored);
     }
+    PlantedLinkFolder(const PlantedLinkFolder&) = delete;
+    PlantedLinkFolder& operator=(const PlantedLinkFolder&) = delete;
+
+    bool isParent() const { return isParent_; }
     const fs::path& path() const { return path_; }
+    fs::path victim() const { return path_ / "victim.txt"; }
+    fs::path logFile() const { return path_ / "vnlog.log"; }
 
   private:
+    const char* variable_;
     fs::path path_;
+    bool isParent_ = false;
 };
 
 // In a child process (whose logger is created there, in the folder TMPDIR names), a symbolic
 // link to a victim file planted at the log file's name is replaced, not followed: the victim
 // keeps its content and the log is a regular file of the owner's alone.
 TEST(VNLogFileSafetyDeathTest, APlantedLinkIsReplacedByAnOwnerOnlyFile) {
-    constexpr const char* kFolderVariable = "VN_LOG_SAFETY_TEST_FOLDER";
-    const char* inherited = std::getenv(kFolderVariable);
-    // The child runs this body again: it takes the parent's folder and makes none.
-    std::optional<ScratchFolder> scratch;
-    if (!inherited) scratch.emplace(temporaryDirectory());
-    const fs::path folder = inherited ? fs::path(inherited) : scratch->path();
-    ASSERT_FALSE(folder.empty());
-    setenv(kFolderVariable, folder.c_str(), 1);
-    const fs::path victim = folder / "victim.txt";
-    const fs::path logFile = folder / "vnlog.log";
-    if (!inherited) {
-        std::ofstream(victim) << kVictimContent;
-        fs::create_symlink(victim, logFile);
-    }
+    const PlantedLinkFolder planted("VN_LOG_SAFETY_TEST_FOLDER", temporaryDirectory());
+    ASSERT_FALSE(planted.path().empty());
+    const fs::path& folder = planted.path();
+    const fs::path victim = planted.victim();
+    const fs::path logFile = planted.logFile();
     EXPECT_EXIT(
         {
             setenv("TMPDIR", folder.c_str(), 1);
@@ -73,7 +85,6 @@ TEST(VNLogFileSafetyDeathTest, APlantedLinkIsReplacedByAnOwnerOnlyFile) {
             std::exit(VNLog::sharedInstance()->logFilePath() == logFile.string() ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
-    unsetenv(kFolderVariable);
     EXPECT_EQ(contentOf(victim), kVictimContent);
     ASSERT_FALSE(fs::is_symlink(logFile));
     EXPECT_EQ(contentOf(logFile), "a line of the log\n");
@@ -89,21 +100,15 @@ TEST(VNLogFileSafetyDeathTest, APlantedLinkIsReplacedByAnOwnerOnlyFile) {
 TEST(VNLogFileSafetyDeathTest, AnotherUsersLinkIsNeverFollowed) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root to act as two users";
     constexpr uid_t kNobody = 65534;
-    constexpr const char* kFolderVariable = "VN_LOG_SAFETY_TEST_SHARED_FOLDER";
-    const char* inherited = std::getenv(kFolderVariable);
     // Under /tmp itself: the logging user must be able to reach the folder.
-    std::optional<ScratchFolder> scratch;
-    if (!inherited) scratch.emplace("/tmp/");
-    const fs::path folder = inherited ? fs::path(inherited) : scratch->path();
-    ASSERT_FALSE(folder.empty());
-    setenv(kFolderVariable, folder.c_str(), 1);
-    const fs::path victim = folder / "victim.txt";
-    const fs::path logFile = folder / "vnlog.log";
-    if (!inherited) {
-        std::ofstream(victim) << kVictimContent;
+    const PlantedLinkFolder planted("VN_LOG_SAFETY_TEST_SHARED_FOLDER", "/tmp/");
+    ASSERT_FALSE(planted.path().empty());
+    const fs::path& folder = planted.path();
+    const fs::path victim = planted.victim();
+    const fs::path logFile = planted.logFile();
+    if (planted.isParent()) {
         fs::permissions(victim, fs::perms::all & ~(fs::perms::owner_exec | fs::perms::group_exec |
                                                    fs::perms::others_exec));
-        fs::create_symlink(victim, logFile);
         fs::permissions(folder, fs::perms::all | fs::perms::sticky_bit);
     }
     EXPECT_EXIT(
@@ -118,7 +123,6 @@ TEST(VNLogFileSafetyDeathTest, AnotherUsersLinkIsNeverFollowed) {
         ::testing::ExitedWithCode(0),
         "VNLog: cannot create the log file .*vnlog.log \\(File exists\\); messages are not "
         "written to a file");
-    unsetenv(kFolderVariable);
     EXPECT_EQ(contentOf(victim), kVictimContent);
     EXPECT_TRUE(fs::is_symlink(logFile)) << "the other user's link is left alone";
 }
