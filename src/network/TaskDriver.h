@@ -2,8 +2,8 @@
 // end: attempts (with redirects and connectivity retries), the delegate's decisions, the body
 // in memory or in a temporary file, deadlines, and delivery on the session's queue.
 //
-// resume() and cancel() may be called from any thread; every other member runs on the
-// transport thread.
+// resume() and cancel() may be called from any thread; every other member runs as the transport
+// (under its lock, on whichever thread runs it).
 #pragma once
 
 #include <curl/curl.h>
@@ -38,13 +38,15 @@ class TaskDriver : public std::enable_shared_from_this<TaskDriver> {
     // The task was destroyed without being resumed.
     void abandoned(std::uint64_t identifier);
 
-    // Transport thread.
+    // As the transport.
     void startAttempt();
     void connect(CURL* easy);
     void transferDone(CURLcode result);
     void withdrawn();
     void checkDeadlines(Clock::time_point now);
     Clock::time_point nextDeadline() const;
+    // Waiting for the delegate's response disposition.
+    bool isPaused() const { return paused_; }
 
   private:
     enum class Disposition { notNeeded, undecided, asked, allowed };
@@ -84,7 +86,7 @@ class TaskDriver : public std::enable_shared_from_this<TaskDriver> {
     URLSession::DownloadCompletion downloadCompletion_;
     std::weak_ptr<URLSessionTask> weakTask_;
 
-    // Transport thread only from here on.
+    // The transport only, from here on.
     std::shared_ptr<URLSessionTask> task_;  // held while the task runs
     bool finished_ = false;
     URLRequest request_;

@@ -1,13 +1,17 @@
 #include "network/TransferEngine.h"
 
+#include <pthread.h>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <future>
+#include <thread>
 
 #include "network/TaskDriver.h"
+#include "vn/concurrency/DispatchQueue.h"
 #include "vn/platform/FatalError.h"
 
 namespace vn::network_internal {
@@ -15,8 +19,28 @@ namespace {
 
 constexpr std::size_t maximumSpareEasyHandles = 64;
 constexpr auto longestPoll = std::chrono::milliseconds(1000);
+// Rounds of libcurl's immediate timers one settling runs before leaving the rest to the poller.
+constexpr int maximumSettlingRounds = 64;
+// Transport threads, those running delivered blocks included. One is always left free to poll,
+// so a block that waits for another task cannot stall the transport.
+constexpr int maximumTransportThreads = 16;
+
+// True while this thread runs the transport, so that a command posted from that work waits
+// for it instead of taking the lock again.
+thread_local bool runsTransport = false;
+// True while the poller runs the transport (not while it runs a delivered block).
+thread_local bool defersDeliveries = false;
 
 }  // namespace
+
+class TransferEngine::DeliveryExecutor : public Executor {
+  public:
+    explicit DeliveryExecutor(TransferEngine& engine) : engine_(engine) {}
+    void execute(std::function<void()> block) override { engine_.deliver(std::move(block)); }
+
+  private:
+    TransferEngine& engine_;
+};
 
 TransferEngine& TransferEngine::shared() {
     static TransferEngine* const engine = [] {
@@ -26,67 +50,233 @@ TransferEngine& TransferEngine::shared() {
     return *engine;
 }
 
-TransferEngine::TransferEngine() : wakeFd_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
-    if (wakeFd_ < 0) fatalError("the URL transport could not make its wake-up descriptor");
+TransferEngine::TransferEngine()
+    : wakeFd_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
+      epollFd_(epoll_create1(EPOLL_CLOEXEC)),
+      deliveryExecutor_(std::make_shared<DeliveryExecutor>(*this)) {
+    if (wakeFd_ < 0 || epollFd_ < 0)
+        fatalError("the URL transport could not make its wake-up descriptors");
+    epoll_event wake{};
+    wake.events = EPOLLIN;
+    wake.data.fd = wakeFd_;
+    epoll_ctl(epollFd_, EPOLL_CTL_ADD, wakeFd_, &wake);
     initMulti();
-    thread_ = std::thread([this] { run(); });
-    thread_.detach();
 }
 
 void TransferEngine::initMulti() {
     multi_ = curl_multi_init();
     if (!multi_) fatalError("libcurl could not make a multi handle");
     curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 256L);
+    curl_multi_setopt(multi_, CURLMOPT_SOCKETFUNCTION, &TransferEngine::onSocket);
+    curl_multi_setopt(multi_, CURLMOPT_SOCKETDATA, this);
+    curl_multi_setopt(multi_, CURLMOPT_TIMERFUNCTION, &TransferEngine::onTimer);
+    curl_multi_setopt(multi_, CURLMOPT_TIMERDATA, this);
 }
 
-void TransferEngine::post(std::function<void()> command) {
-    {
-        std::lock_guard lock(commandsMutex_);
-        commands_.push_back(std::move(command));
-        if (awake_) return;
-        awake_ = true;
+// The socket set may be stale when libcurl reuses a number it closed without telling, so each
+// change falls back to the other operation.
+int TransferEngine::onSocket(CURL*, curl_socket_t socket, int what, void* engine, void*) {
+    auto& self = *static_cast<TransferEngine*>(engine);
+    if (what == CURL_POLL_REMOVE) {
+        epoll_ctl(self.epollFd_, EPOLL_CTL_DEL, socket, nullptr);
+        self.sockets_.erase(socket);
+        return 0;
     }
+    epoll_event event{};
+    event.events =
+        ((what & CURL_POLL_IN) ? EPOLLIN : 0u) | ((what & CURL_POLL_OUT) ? EPOLLOUT : 0u);
+    event.data.fd = socket;
+    const bool known = self.sockets_.contains(socket);
+    if (epoll_ctl(self.epollFd_, known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD, socket, &event) != 0)
+        epoll_ctl(self.epollFd_, known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, socket, &event);
+    self.sockets_.insert(socket);
+    return 0;
+}
+
+int TransferEngine::onTimer(CURLM*, long milliseconds, void* engine) {
+    auto& self = *static_cast<TransferEngine*>(engine);
+    self.curlTimer_ = milliseconds < 0 ? Clock::time_point::max()
+                                       : Clock::now() + std::chrono::milliseconds(milliseconds);
+    return 0;
+}
+
+void TransferEngine::deliver(Block block) {
+    if (defersDeliveries) {
+        deferred_.push_back(std::move(block));
+        return;
+    }
+    DispatchQueue::global()->execute(std::move(block));
+}
+
+void TransferEngine::post(Block command) {
+    if (runsTransport) {
+        commands_.push_back(std::move(command));
+        return;
+    }
+    std::lock_guard lock(mutex_);
+    runLocked(command);
+}
+
+bool TransferEngine::closeIdleConnections() {
+    bool closed = false;
+    std::lock_guard lock(mutex_);
+    runLocked([this, &closed] {
+        if (!running_.empty()) return;
+        for (CURL* easy : spareEasyHandles_) curl_easy_cleanup(easy);
+        spareEasyHandles_.clear();
+        CURLM* old = multi_;
+        initMulti();
+        curl_multi_cleanup(old);
+        closed = true;
+    });
+    return closed;
+}
+
+// With mutex_ held: runs work as the transport on the calling thread, then makes sure the poller
+// will look at what the work left in flight: it is called when there is none, and woken early only
+// when something is due before its planned wake.
+void TransferEngine::runLocked(const Block& work) {
+    runsTransport = true;
+    work();
+    settle();
+    runsTransport = false;
+    if (!pollerActive_) {
+        if (needsPolling()) callPoller();
+        return;
+    }
+    if (wakeWritten_ || nextWake(Clock::now()) >= pollerWakesAt_) return;
+    wakeWritten_ = true;
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = write(wakeFd_, &one, sizeof one);
 }
 
-void TransferEngine::run() {
-    pthread_setname_np(pthread_self(), "vn.URLSession");
-    for (;;) {
+// Runs what is due now: posted commands, libcurl's expired timers, finished transfers, due
+// attempts and deadlines, until nothing more is due at once.
+void TransferEngine::settle() {
+    for (int round = 0; round < maximumSettlingRounds; ++round) {
         runCommands();
-        int stillRunning = 0;
-        curl_multi_perform(multi_, &stillRunning);
+        if (curlTimer_ <= Clock::now()) {
+            curlTimer_ = Clock::time_point::max();
+            int stillRunning = 0;
+            curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &stillRunning);
+        }
         collectFinishedTransfers();
         const Clock::time_point now = Clock::now();
         runDueAttempts(now);
         checkDeadlines(now);
-        waitForWork();
+        if (commands_.empty() && curlTimer_ > Clock::now()) return;
     }
-}
-
-// The wake-up descriptor is written only while the loop is marked asleep, so a burst of posts
-// costs one write; the loop marks itself asleep just before it polls.
-void TransferEngine::waitForWork() {
-    {
-        std::lock_guard lock(commandsMutex_);
-        if (!commands_.empty()) return;
-        awake_ = false;
-    }
-    curl_waitfd wake{wakeFd_, CURL_WAIT_POLLIN, 0};
-    curl_multi_poll(multi_, &wake, 1, pollTimeoutMilliseconds(Clock::now()), nullptr);
-    std::uint64_t count = 0;
-    [[maybe_unused]] const auto drained = read(wakeFd_, &count, sizeof count);
-    std::lock_guard lock(commandsMutex_);
-    awake_ = true;
 }
 
 void TransferEngine::runCommands() {
-    std::vector<std::function<void()>> commands;
-    {
-        std::lock_guard lock(commandsMutex_);
+    while (!commands_.empty()) {
+        std::vector<Block> commands;
         commands.swap(commands_);
+        for (auto& command : commands) command();
     }
-    for (auto& command : commands) command();
+}
+
+bool TransferEngine::needsPolling() const {
+    return !running_.empty() || !scheduled_.empty() || !watched_.empty();
+}
+
+// A transfer paused for its delegate's answer waits for a block being delivered, not for the
+// network, so it does not keep the poller from running that block.
+bool TransferEngine::hasMovingTransfers() const {
+    if (!scheduled_.empty()) return true;
+    return std::any_of(running_.begin(), running_.end(),
+                       [](const auto& entry) { return !entry.second.driver->isPaused(); });
+}
+
+Clock::time_point TransferEngine::nextWake(Clock::time_point now) const {
+    if (deadlinesDirty_ || !commands_.empty()) return now;
+    auto wake = std::min(now + longestPoll, curlTimer_);
+    if (!scheduled_.empty()) wake = std::min(wake, scheduled_.begin()->first);
+    return std::min(wake, nextDeadline_);
+}
+
+// With mutex_ held and no poller active: wakes an idle transport thread, or starts one, unless
+// one has been called already.
+void TransferEngine::callPoller() {
+    if (pollerCalled_) return;
+    pollerCalled_ = true;
+    if (idleThreads_ > 0) {
+        pollerWanted_.notify_one();
+    } else if (threads_ < maximumTransportThreads) {
+        ++threads_;
+        std::thread([this] { pollerThread(); }).detach();
+    }
+}
+
+// A transport thread polls until a round delivers blocks while no transfer is moving; it then
+// runs the first of them itself and afterwards polls again, unless a caller has had another
+// thread take over meanwhile. Threads that find a poller in place wait until one is called.
+void TransferEngine::pollerThread() {
+    pthread_setname_np(pthread_self(), "vn.URLSession");
+    Lock lock(mutex_);
+    for (;;) {
+        if (pollerActive_) {
+            ++idleThreads_;
+            pollerWanted_.wait(lock, [this] { return pollerCalled_ && !pollerActive_; });
+            --idleThreads_;
+        }
+        pollerActive_ = true;
+        pollerCalled_ = false;
+        std::vector<Block> delivered = pollUntilDelivering(lock);
+        ++threadsDelivering_;
+        lock.unlock();
+        runDelivered(std::move(delivered));
+        lock.lock();
+        --threadsDelivering_;
+    }
+}
+
+std::vector<TransferEngine::Block> TransferEngine::pollUntilDelivering(Lock& lock) {
+    for (;;) {
+        const Clock::time_point now = Clock::now();
+        pollerWakesAt_ = nextWake(now);
+        const auto timeout =
+            std::chrono::ceil<std::chrono::milliseconds>(pollerWakesAt_ - now).count();
+        lock.unlock();
+        std::array<epoll_event, 64> events{};
+        const int count = epoll_wait(epollFd_, events.data(), static_cast<int>(events.size()),
+                                     static_cast<int>(std::max<long>(0, timeout)));
+        lock.lock();
+        pollerWakesAt_ = Clock::time_point::min();
+        runsTransport = defersDeliveries = true;
+        for (int i = 0; i < count; ++i) handleSocketEvent(events[i]);
+        settle();
+        runsTransport = defersDeliveries = false;
+        if (deferred_.empty()) continue;
+        std::vector<Block> delivered;
+        delivered.swap(deferred_);
+        if (!hasMovingTransfers() && threadsDelivering_ < maximumTransportThreads - 1) {
+            pollerActive_ = false;
+            return delivered;
+        }
+        for (Block& block : delivered) DispatchQueue::global()->execute(std::move(block));
+    }
+}
+
+void TransferEngine::handleSocketEvent(const epoll_event& event) {
+    if (event.data.fd == wakeFd_) {
+        wakeWritten_ = false;
+        std::uint64_t count = 0;
+        [[maybe_unused]] const auto drained = read(wakeFd_, &count, sizeof count);
+        return;
+    }
+    int mask = 0;
+    if (event.events & EPOLLIN) mask |= CURL_CSELECT_IN;
+    if (event.events & EPOLLOUT) mask |= CURL_CSELECT_OUT;
+    if (event.events & (EPOLLERR | EPOLLHUP)) mask |= CURL_CSELECT_ERR;
+    int stillRunning = 0;
+    curl_multi_socket_action(multi_, event.data.fd, mask, &stillRunning);
+}
+
+void TransferEngine::runDelivered(std::vector<Block> delivered) {
+    for (auto next = delivered.begin() + 1; next != delivered.end(); ++next)
+        DispatchQueue::global()->execute(std::move(*next));
+    delivered.front()();
 }
 
 void TransferEngine::collectFinishedTransfers() {
@@ -191,19 +381,6 @@ void TransferEngine::checkDeadlines(Clock::time_point now) {
         nextDeadline_ = std::min(nextDeadline_, driver->nextDeadline());
 }
 
-int TransferEngine::pollTimeoutMilliseconds(Clock::time_point now) {
-    auto until = now + longestPoll;
-    long curlTimeout = -1;
-    curl_multi_timeout(multi_, &curlTimeout);
-    if (curlTimeout >= 0) until = std::min(until, now + std::chrono::milliseconds(curlTimeout));
-    if (!scheduled_.empty()) until = std::min(until, scheduled_.begin()->first);
-    if (deadlinesDirty_) return 0;
-    until = std::min(until, nextDeadline_);
-    if (until <= now) return 0;
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
-    return static_cast<int>(wait);
-}
-
 CURL* TransferEngine::acquireEasyHandle() {
     if (spareEasyHandles_.empty()) {
         CURL* easy = curl_easy_init();
@@ -222,24 +399,6 @@ void TransferEngine::releaseEasyHandle(CURL* easy) {
     }
     curl_easy_reset(easy);
     spareEasyHandles_.push_back(easy);
-}
-
-bool TransferEngine::closeIdleConnections() {
-    std::promise<bool> closed;
-    std::future<bool> result = closed.get_future();
-    post([this, &closed] {
-        if (!running_.empty()) {
-            closed.set_value(false);
-            return;
-        }
-        for (CURL* easy : spareEasyHandles_) curl_easy_cleanup(easy);
-        spareEasyHandles_.clear();
-        CURLM* old = multi_;
-        initMulti();
-        curl_multi_cleanup(old);
-        closed.set_value(true);
-    });
-    return result.get();
 }
 
 }  // namespace vn::network_internal

@@ -1,13 +1,21 @@
-// The process's transport: one thread running libcurl's multi interface for every session, so
-// that no task needs a thread of its own and all sessions share one connection cache.
+// The process's transport: libcurl's multi interface, driven through its socket interface, for
+// every session, so that no task needs a thread of its own and all sessions share one
+// connection cache.
 //
-// post() is the only member callable from any thread; everything else runs on the transport
-// thread (from posted commands and from the drivers' callbacks).
+// Any thread may run the transport, one at a time under its lock: a thread that posts a command
+// runs it at once, so a resumed task's request leaves from the caller's thread. One transport
+// thread, the poller, sleeps in epoll on the transfers' sockets without the lock; a socket that
+// a caller added is watched from that moment, so starting a transfer wakes no other thread.
+//
+// post(), deliveryExecutor() and closeIdleConnections() may be used from any thread; every other
+// member only by the thread running the transport (from posted commands and from the drivers'
+// callbacks).
 #pragma once
 
 #include <curl/curl.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <map>
@@ -15,8 +23,11 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "vn/platform/Executor.h"
+
+struct epoll_event;
 
 namespace vn::network_internal {
 
@@ -25,13 +36,25 @@ using Clock = std::chrono::steady_clock;
 
 class TransferEngine {
   public:
-    // Made on first use, with its thread; never destroyed (tasks may still run at exit).
+    // Made on first use; never destroyed (tasks may still run at exit).
     static TransferEngine& shared();
 
-    // Runs command on the transport thread, after the commands posted before it.
+    // Runs command as the transport: at once on the calling thread, or, when called by the
+    // thread running the transport, as soon as the work in hand is done.
     void post(std::function<void()> command);
 
-    // Transport thread only.
+    // The delegate queue of sessions made without one. Blocks handed to it by the poller wait
+    // for the end of its round; when no transfer is then moving (paused ones wait for these very
+    // blocks), the first runs on the poller's thread, so a callback reaches its handler without
+    // waking a queue thread, and a caller that starts a transfer meanwhile calls another thread
+    // to poll. Every other block goes to the default global queue.
+    const ExecutorPtr& deliveryExecutor() const { return deliveryExecutor_; }
+
+    // Closes the cached connections once nothing is in flight. Not from the transport's own
+    // work (a posted command or a driver's callback).
+    bool closeIdleConnections();
+
+    // The transport's runner only.
     // Runs driver's transfer once a connection slot for slotKey is free.
     void enqueue(const std::shared_ptr<TaskDriver>& driver, const std::string& slotKey,
                  long slotLimit);
@@ -40,7 +63,7 @@ class TransferEngine {
     void withdraw(TaskDriver& driver, CURL* easy);
     // Calls driver->startAttempt() at when (or at once if it has passed).
     void scheduleAttempt(const std::shared_ptr<TaskDriver>& driver, Clock::time_point when);
-    // Drivers whose deadlines the loop checks.
+    // Drivers whose deadlines the transport checks.
     void watch(const std::shared_ptr<TaskDriver>& driver);
     void unwatch(const std::shared_ptr<TaskDriver>& driver);
     // A driver's deadline may have moved earlier.
@@ -48,10 +71,11 @@ class TransferEngine {
     CURL* acquireEasyHandle();
     void releaseEasyHandle(CURL* easy);
 
-    // Any thread but the transport's: closes the cached connections once nothing is in flight.
-    bool closeIdleConnections();
-
   private:
+    class DeliveryExecutor;
+    using Block = std::function<void()>;
+    using Lock = std::unique_lock<std::mutex>;
+
     struct Slot {
         long active = 0;
         std::deque<std::weak_ptr<TaskDriver>> waiting;
@@ -62,23 +86,50 @@ class TransferEngine {
     };
 
     TransferEngine();
-    void run();
+    static int onSocket(CURL* easy, curl_socket_t socket, int what, void* engine, void*);
+    static int onTimer(CURLM* multi, long milliseconds, void* engine);
+    void initMulti();
+    void deliver(Block block);
+
+    void runLocked(const Block& work);
+    void settle();
     void runCommands();
-    void waitForWork();
     void collectFinishedTransfers();
     void runDueAttempts(Clock::time_point now);
     void checkDeadlines(Clock::time_point now);
-    int pollTimeoutMilliseconds(Clock::time_point now);
+    bool needsPolling() const;
+    bool hasMovingTransfers() const;
+    Clock::time_point nextWake(Clock::time_point now) const;
+
+    void pollerThread();
+    std::vector<Block> pollUntilDelivering(Lock& lock);
+    void handleSocketEvent(const epoll_event& event);
+    void callPoller();
+    static void runDelivered(std::vector<Block> delivered);
+
     void start(const std::shared_ptr<TaskDriver>& driver, const std::string& slotKey);
     void releaseSlot(const std::string& slotKey);
-    void initMulti();
 
     const int wakeFd_;
-    CURLM* multi_ = nullptr;
-    std::mutex commandsMutex_;
-    std::vector<std::function<void()>> commands_;
-    bool awake_ = true;  // guarded by commandsMutex_
+    const int epollFd_;
+    const ExecutorPtr deliveryExecutor_;
 
+    // Everything below is guarded by mutex_, held by whoever runs the transport.
+    std::mutex mutex_;
+    std::condition_variable pollerWanted_;
+    bool pollerActive_ = false;
+    bool pollerCalled_ = false;
+    Clock::time_point pollerWakesAt_ = Clock::time_point::max();
+    bool wakeWritten_ = false;
+    int threads_ = 0;
+    int idleThreads_ = 0;
+    int threadsDelivering_ = 0;
+
+    CURLM* multi_ = nullptr;
+    std::set<curl_socket_t> sockets_;
+    Clock::time_point curlTimer_ = Clock::time_point::max();
+    std::vector<Block> commands_;
+    std::vector<Block> deferred_;
     std::map<CURL*, Running> running_;
     std::map<std::string, Slot> slots_;
     std::multimap<Clock::time_point, std::weak_ptr<TaskDriver>> scheduled_;
@@ -86,7 +137,6 @@ class TransferEngine {
     bool deadlinesDirty_ = true;
     Clock::time_point nextDeadline_ = Clock::time_point::max();
     std::vector<CURL*> spareEasyHandles_;
-    std::thread thread_;
 };
 
 }  // namespace vn::network_internal

@@ -3,7 +3,6 @@
 #include "network/CallbackQueue.h"
 #include "network/TaskDriver.h"
 #include "network/TransferEngine.h"
-#include "vn/concurrency/DispatchQueue.h"
 #include "vn/formatting/StringUtilities.h"
 #include "vn/platform/Exception.h"
 
@@ -28,7 +27,8 @@ URLSession::URLSession(Private, const URLSessionConfiguration& configuration,
     : configuration_(configuration),
       shared_(shared),
       callbackQueue_(std::make_shared<CallbackQueue>(
-          delegateQueue ? std::move(delegateQueue) : ExecutorPtr(DispatchQueue::global()))),
+          delegateQueue ? std::move(delegateQueue)
+                        : network_internal::TransferEngine::shared().deliveryExecutor())),
       delegate_(std::move(delegate)) {}
 
 URLSession::~URLSession() = default;
@@ -135,6 +135,8 @@ void URLSession::taskEnded(std::uint64_t identifier) {
 void URLSession::becomeInvalidIfDone(std::unique_lock<std::mutex>& lock) {
     if (!invalidated_ || toldInvalid_ || !outstanding_.empty()) return;
     toldInvalid_ = true;
+    // With no delegate there is nobody to tell, and nothing to release on the queue.
+    if (!delegate_) return;
     lock.unlock();
     callbackQueue_->add([self = std::static_pointer_cast<URLSession>(shared_from_this())] {
         URLSessionDelegatePtr delegate;

@@ -13,6 +13,7 @@
 #include "testing/Http2LoopbackServer.h"
 #include "testing/LoopbackHTTPServer.h"
 #include "testing/RawTestClient.h"
+#include "vn/concurrency/DispatchSemaphore.h"
 #include "vn/formatting/StringUtilities.h"
 #include "vn/network/URLConnectionFailureInjection.h"
 #include "vn/network/URLError.h"
@@ -772,6 +773,33 @@ TEST(URLSessionStress, ThousandTasksFromEightThreadsEachCompleteOnce) {
     ASSERT_TRUE(testing::eventually([&] { return finished == threads * perThread; }, 120s));
     ASSERT_EQ(finished.load(), threads * perThread);
     for (auto& count : calls) EXPECT_EQ(count.load(), 1);
+}
+
+// Handlers of sessions without a delegate queue may run on a transport thread: one that waits
+// there for another task must not stall the transport, even nested deeper than the transport
+// has threads (the deepest levels then run on the global queue, which grows for waiters on the
+// library's semaphores).
+TEST(URLSessionStress, HandlersThatWaitForOtherTasksDoNotStallTheTransport) {
+    LoopbackHTTPServer server;
+    constexpr int depth = 24;
+    std::function<std::string(int)> loadNested = [&](int level) -> std::string {
+        auto chain = std::make_shared<std::string>();
+        const auto done = DispatchSemaphore::create();
+        plainSession()
+            ->dataTaskWithURL(
+                *URL::URLWithString(server.url("/text?body=" + std::to_string(level))),
+                [&, chain, done, level](std::optional<Data> data, URLResponsePtr, ErrorPtr error) {
+                    *chain = error || !data ? "failed" : std::string(data->begin(), data->end());
+                    if (level > 0) *chain += " " + loadNested(level - 1);
+                    done->signal();
+                })
+            ->resume();
+        if (done->wait(testing::kDeadline) != DispatchWaitResult::success) return "stalled";
+        return *chain;
+    };
+    std::string expected = std::to_string(depth);
+    for (int level = depth - 1; level >= 0; --level) expected += " " + std::to_string(level);
+    EXPECT_EQ(loadNested(depth), expected);
 }
 
 TEST(URLSessionStress, SessionsMadeAndInvalidatedInALoop) {

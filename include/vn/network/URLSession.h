@@ -1,7 +1,8 @@
 // vn::URLSession: loads URLs. A session makes tasks (data, upload, download), runs them on the
-// library's transport (libcurl's multi interface: one transport thread for the process, no
-// thread per task, one connection cache shared by every session) and reports to its delegate
-// or to each task's completion handler.
+// library's transport (libcurl's multi interface for the whole process: no thread per task, one
+// connection cache shared by every session) and reports to its delegate or to each task's
+// completion handler. resume() sends the request from the calling thread when it can; one
+// transport thread waits for every transfer's answer.
 //
 // Redirects are performed by the session, so that the delegate decides each one: a relative
 // Location is resolved against the URL that answered; 303 turns any method but HEAD into GET
@@ -15,7 +16,9 @@
 // Threads: every member is safe from any thread. Delegate calls and completion handlers of
 // one session run one at a time, in order, on the session's delegate queue: the executor given
 // at creation (calls are handed to it one at a time, so even a concurrent executor never runs
-// two at once), or else a serial queue of the session's own.
+// two at once), or else a serial queue of the session's own, whose calls may run on the
+// transport thread that saw the answer arrive (a handler that blocks there does not stall the
+// transport).
 #pragma once
 
 #include <functional>
