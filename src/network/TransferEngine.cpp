@@ -73,23 +73,22 @@ void TransferEngine::initMulti() {
     curl_multi_setopt(multi_, CURLMOPT_TIMERDATA, this);
 }
 
-// The socket set may be stale when libcurl reuses a number it closed without telling, so each
-// change falls back to the other operation.
-int TransferEngine::onSocket(CURL*, curl_socket_t socket, int what, void* engine, void*) {
+// libcurl keeps a pointer per socket it watches (curl_multi_assign); a non-null one marks a
+// socket already in the epoll set. A number that was closed without a removal is gone from the
+// set, so a change to it is added afresh.
+int TransferEngine::onSocket(CURL*, curl_socket_t socket, int what, void* engine, void* known) {
     auto& self = *static_cast<TransferEngine*>(engine);
     if (what == CURL_POLL_REMOVE) {
         epoll_ctl(self.epollFd_, EPOLL_CTL_DEL, socket, nullptr);
-        self.sockets_.erase(socket);
         return 0;
     }
     epoll_event event{};
     event.events =
         ((what & CURL_POLL_IN) ? EPOLLIN : 0u) | ((what & CURL_POLL_OUT) ? EPOLLOUT : 0u);
     event.data.fd = socket;
-    const bool known = self.sockets_.contains(socket);
-    if (epoll_ctl(self.epollFd_, known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD, socket, &event) != 0)
-        epoll_ctl(self.epollFd_, known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, socket, &event);
-    self.sockets_.insert(socket);
+    if (!known || epoll_ctl(self.epollFd_, EPOLL_CTL_MOD, socket, &event) != 0)
+        epoll_ctl(self.epollFd_, EPOLL_CTL_ADD, socket, &event);
+    if (!known) curl_multi_assign(self.multi_, socket, &self);
     return 0;
 }
 

@@ -86,7 +86,7 @@ class TransferEngine {
     };
 
     TransferEngine();
-    static int onSocket(CURL* easy, curl_socket_t socket, int what, void* engine, void*);
+    static int onSocket(CURL* easy, curl_socket_t socket, int what, void* engine, void* known);
     static int onTimer(CURLM* multi, long milliseconds, void* engine);
     void initMulti();
     void deliver(Block block);
@@ -126,7 +126,6 @@ class TransferEngine {
     int threadsDelivering_ = 0;
 
     CURLM* multi_ = nullptr;
-    std::set<curl_socket_t> sockets_;
     Clock::time_point curlTimer_ = Clock::time_point::max();
     std::vector<Block> commands_;
     std::vector<Block> deferred_;
