@@ -52,9 +52,12 @@ struct Handover {
     bool released = false;
     std::exception_ptr exception;
 
+    // Notified after the lock is let go, so that the woken waiter does not sleep again on it.
     void release() {
-        std::lock_guard lock(mutex);
-        released = true;
+        {
+            std::lock_guard lock(mutex);
+            released = true;
+        }
         done.notify_all();
     }
 

@@ -37,11 +37,15 @@ class RunLoop::Impl {
         }
     }
 
+    // The wake-up is posted after the lock is let go: the loop's thread, once woken, takes that
+    // lock at once, and would otherwise sleep again until this thread lets it go.
     void perform(std::function<void()> work) {
-        std::lock_guard lock(mutex_);
-        pending_.push_back(std::move(work));
-        if (wakeUpQueued_) return;
-        wakeUpQueued_ = true;
+        {
+            std::lock_guard lock(mutex_);
+            pending_.push_back(std::move(work));
+            if (wakeUpQueued_) return;
+            wakeUpQueued_ = true;
+        }
         asio::post(io_, [this] {
             std::lock_guard lock(mutex_);
             wakeUpQueued_ = false;
