@@ -112,14 +112,18 @@ void TransferEngine::post(Block command) {
         commands_.push_back(std::move(command));
         return;
     }
-    std::lock_guard lock(mutex_);
-    runLocked(command);
+    bool notifyIdleThread = false;
+    {
+        std::lock_guard lock(mutex_);
+        notifyIdleThread = runLocked(command);
+    }
+    if (notifyIdleThread) pollerWanted_.notify_one();
 }
 
 bool TransferEngine::closeIdleConnections() {
     bool closed = false;
-    std::lock_guard lock(mutex_);
-    runLocked([this, &closed] {
+    std::unique_lock lock(mutex_);
+    const bool notifyIdleThread = runLocked([this, &closed] {
         if (!running_.empty()) return;
         for (CURL* easy : spareEasyHandles_) curl_easy_cleanup(easy);
         spareEasyHandles_.clear();
@@ -128,25 +132,26 @@ bool TransferEngine::closeIdleConnections() {
         curl_multi_cleanup(old);
         closed = true;
     });
+    lock.unlock();
+    if (notifyIdleThread) pollerWanted_.notify_one();
     return closed;
 }
 
 // With mutex_ held: runs work as the transport on the calling thread, then makes sure the poller
 // will look at what the work left in flight: it is called when there is none, and woken early only
-// when something is due before its planned wake.
-void TransferEngine::runLocked(const Block& work) {
+// when something is due before its planned wake. Returns whether an idle thread must be notified,
+// which the caller does once it has let the lock go, lest the woken thread sleep again on it.
+bool TransferEngine::runLocked(const Block& work) {
     runsTransport = true;
     work();
     settle();
     runsTransport = false;
-    if (!pollerActive_) {
-        if (needsPolling()) callPoller();
-        return;
-    }
-    if (wakeWritten_ || nextWake(Clock::now()) >= pollerWakesAt_) return;
+    if (!pollerActive_) return needsPolling() && callPoller();
+    if (wakeWritten_ || nextWake(Clock::now()) >= pollerWakesAt_) return false;
     wakeWritten_ = true;
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = write(wakeFd_, &one, sizeof one);
+    return false;
 }
 
 // Runs what is due now: posted commands, libcurl's expired timers, finished transfers, due
@@ -194,17 +199,17 @@ Clock::time_point TransferEngine::nextWake(Clock::time_point now) const {
     return std::min(wake, nextDeadline_);
 }
 
-// With mutex_ held and no poller active: wakes an idle transport thread, or starts one, unless
-// one has been called already.
-void TransferEngine::callPoller() {
-    if (pollerCalled_) return;
+// With mutex_ held and no poller active: calls an idle transport thread, or starts one, unless
+// one has been called already. Returns whether an idle thread is to be notified.
+bool TransferEngine::callPoller() {
+    if (pollerCalled_) return false;
     pollerCalled_ = true;
-    if (idleThreads_ > 0) {
-        pollerWanted_.notify_one();
-    } else if (threads_ < maximumTransportThreads) {
+    if (idleThreads_ > 0) return true;
+    if (threads_ < maximumTransportThreads) {
         ++threads_;
         std::thread([this] { pollerThread(); }).detach();
     }
+    return false;
 }
 
 // A transport thread polls until a round delivers blocks while no transfer is moving; it then

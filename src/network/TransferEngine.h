@@ -91,7 +91,7 @@ class TransferEngine {
     void initMulti();
     void deliver(Block block);
 
-    void runLocked(const Block& work);
+    [[nodiscard]] bool runLocked(const Block& work);
     void settle();
     void runCommands();
     void collectFinishedTransfers();
@@ -104,7 +104,7 @@ class TransferEngine {
     void pollerThread();
     std::vector<Block> pollUntilDelivering(Lock& lock);
     void handleSocketEvent(const epoll_event& event);
-    void callPoller();
+    [[nodiscard]] bool callPoller();
     static void runDelivered(std::vector<Block> delivered);
 
     void start(const std::shared_ptr<TaskDriver>& driver, const std::string& slotKey);
