@@ -112,18 +112,12 @@ void TransferEngine::post(Block command) {
         commands_.push_back(std::move(command));
         return;
     }
-    bool notifyIdleThread = false;
-    {
-        std::lock_guard lock(mutex_);
-        notifyIdleThread = runLocked(command);
-    }
-    if (notifyIdleThread) pollerWanted_.notify_one();
+    runAsTransport(command);
 }
 
 bool TransferEngine::closeIdleConnections() {
     bool closed = false;
-    std::unique_lock lock(mutex_);
-    const bool notifyIdleThread = runLocked([this, &closed] {
+    runAsTransport([this, &closed] {
         if (!running_.empty()) return;
         for (CURL* easy : spareEasyHandles_) curl_easy_cleanup(easy);
         spareEasyHandles_.clear();
@@ -132,15 +126,23 @@ bool TransferEngine::closeIdleConnections() {
         curl_multi_cleanup(old);
         closed = true;
     });
-    lock.unlock();
-    if (notifyIdleThread) pollerWanted_.notify_one();
     return closed;
+}
+
+// Runs work as the transport under mutex_. An idle thread called to poll is notified once the
+// lock is let go, lest it wake only to sleep again on the lock this thread still holds.
+void TransferEngine::runAsTransport(const Block& work) {
+    bool notifyIdleThread = false;
+    {
+        std::lock_guard lock(mutex_);
+        notifyIdleThread = runLocked(work);
+    }
+    if (notifyIdleThread) pollerWanted_.notify_one();
 }
 
 // With mutex_ held: runs work as the transport on the calling thread, then makes sure the poller
 // will look at what the work left in flight: it is called when there is none, and woken early only
-// when something is due before its planned wake. Returns whether an idle thread must be notified,
-// which the caller does once it has let the lock go, lest the woken thread sleep again on it.
+// when something is due before its planned wake. Returns whether an idle thread must be notified.
 bool TransferEngine::runLocked(const Block& work) {
     runsTransport = true;
     work();

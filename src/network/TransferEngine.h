@@ -91,6 +91,7 @@ class TransferEngine {
     void initMulti();
     void deliver(Block block);
 
+    void runAsTransport(const Block& work);
     [[nodiscard]] bool runLocked(const Block& work);
     void settle();
     void runCommands();
